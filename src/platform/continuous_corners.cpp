@@ -1,0 +1,1 @@
+#include "platform/continuous_corners.h"

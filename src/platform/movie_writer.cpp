@@ -1,0 +1,1 @@
+#include "platform/movie_writer.h"
