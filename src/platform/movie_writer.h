@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QByteArray>
 #include <QImage>
 #include <QString>
 #include <functional>
 #include <memory>
+
+#include "platform/audio_chunk.h"
 
 namespace brisklet {
 
@@ -19,14 +20,6 @@ struct AudioSettings {
   int sampleRate = 0;
   int channels = 0;
   int bitRate = 0;  // bits per second
-};
-
-/// Interleaved signed 16-bit little-endian samples.
-struct AudioChunk {
-  QByteArray pcm;
-  qint64 frames = 0;
-  /// The first frame's place in the track, in units of 1 / sampleRate.
-  qint64 presentationTime = 0;
 };
 
 /// Writes an MPEG-4 movie of an H.264 and an AAC track. Encoding runs on threads of its own behind short

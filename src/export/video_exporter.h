@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QCoroTask>
+#include <QString>
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+#include "base/error.h"
+#include "model/sequence_document.h"
+#include "platform/movie_writer.h"
+
+namespace brisklet {
+
+/// The movie could not be written, and nothing more is known.
+class ExportError : public Error {
+ public:
+  ExportError();
+};
+
+/// An export ended because it was asked to stop. The partial file stays at the destination.
+class ExportCancelled : public Error {
+ public:
+  ExportCancelled();
+};
+
+namespace VideoExporter {
+
+inline constexpr int framesPerSecond = 30;
+/// Longer documents are refused before anything is touched.
+inline constexpr double longestMs = 24.0 * 60 * 60 * 1000;
+
+/// Frames appended so far, and frames in all. Called on the exporting thread.
+using Progress = std::function<void(qint64 framesDone, qint64 frames)>;
+using MakeWriter = std::function<std::unique_ptr<MovieWriter>(const QString& path)>;
+
+/// The number of frames of a document's movie; frame i shows the moment i / 30 s. At least one.
+[[nodiscard]] qint64 frameCount(const SequenceDocument& document);
+
+/// Writes the document's movie to `path`, replacing a file that is there. Runs on the calling thread, which
+/// needs an event loop, and suspends whenever it waits, so that the thread's other work goes on; encoding is
+/// done elsewhere. Works on its own copy of the document. Throws `Error`: an `ExportCancelled` once `stop` is
+/// requested, else what went wrong; a failed export leaves no file.
+[[nodiscard]] QCoro::Task<> exportMovie(SequenceDocument document, QString path, Progress progress = {},
+                                        std::stop_token stop = {}, MakeWriter makeWriter = makeMovieWriter);
+
+}  // namespace VideoExporter
+
+}  // namespace brisklet

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "model/sequence_document.h"
+#include "platform/audio_chunk.h"
+
+namespace brisklet {
+
+/// The notification tones: synthesised from a few numbers each, for the live preview and for the movie alike.
+namespace NotificationSounds {
+
+inline constexpr int sampleRate = 44100;
+
+enum class Wave : std::uint8_t { sine, triangle, square };
+
+/// The recipe of an app's tone.
+struct Tone {
+  /// The notes in Hz, in the order in which they start.
+  std::vector<double> frequencies;
+  Wave wave = Wave::sine;
+  /// The length of every note in seconds.
+  double duration = 0;
+  /// The peak of every note; 1 is full scale.
+  double gain = 0;
+};
+
+/// The tone of an app id; ids without one of their own share one.
+[[nodiscard]] const Tone& tone(const QString& appId);
+
+/// Adds the app's tone to mono samples at 44100 Hz (full scale +-1, not clipped), starting `atMs`
+/// milliseconds after the first sample. Samples that fall outside `buffer` are dropped. `atMs` must be
+/// finite.
+void mix(const QString& appId, double atMs, std::span<float> buffer);
+
+/// The app's tone alone as mono samples, from its first note to a short silence after the last.
+[[nodiscard]] std::vector<float> rendered(const QString& appId);
+
+/// `rendered` as a 16-bit mono WAV file.
+[[nodiscard]] QByteArray wav(const QString& appId);
+
+/// The whole soundtrack of a document: interleaved stereo, 16-bit little-endian, 44100 Hz, left and right
+/// equal. At least one frame. The document's length must be finite.
+[[nodiscard]] QByteArray stereoPCM(const SequenceDocument& document);
+
+/// A piece of the soundtrack for the movie: exactly `frames` frames, the first presented at
+/// `presentationTime` in units of 1 / 44100 s. Nothing for an empty piece, or one that is not `frames` frames
+/// long.
+[[nodiscard]] std::optional<AudioChunk> audioSampleBuffer(const QByteArray& pcm, qint64 frames,
+                                                          qint64 presentationTime);
+
+}  // namespace NotificationSounds
+
+}  // namespace brisklet
