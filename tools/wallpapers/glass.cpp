@@ -1,0 +1,63 @@
+#include "noise.h"
+#include "picture.h"
+
+namespace brisklet {
+
+namespace {
+
+constexpr std::uint32_t seed = 4100;
+
+/// The lights behind the pane. Coordinates in widths of the picture from its centre, y down.
+Vec3 behind(float x, float y) {
+  const Vec3 graphite = srgb(0x20262d), steel = srgb(0x8fa6b8), ice = srgb(0xdcecf6);
+  Vec3 light = graphite * mix(0.55f, 1.15f, smoothstep(-1.1f, 1.1f, y));
+  // A wide crescent of light: a soft disc with a darker one in front of it.
+  const float outer = std::hypot(x - 0.05f, y - 0.30f), inner = std::hypot(x + 0.22f, y - 0.12f);
+  const float disc = smoothstep(0.78f, 0.30f, outer), hole = smoothstep(0.46f, 0.72f, inner);
+  light += steel * (0.55f * disc * hole);
+  light += ice * (0.50f * smoothstep(0.66f, 0.50f, outer) * smoothstep(0.52f, 0.86f, inner));
+  // A second, low and cool.
+  light += srgb(0x54718a) * (0.45f * std::exp(-3.2f * std::hypot(x + 0.45f, (y - 1.05f) * 0.8f)));
+  return light;
+}
+
+}  // namespace
+
+Picture glass(int width, int height) {
+  Picture picture(width, height);
+  constexpr float reeds = 15;  // across the width
+  constexpr int samples = 3;
+  forEachRow(height, [&](int row) {
+    for (int column = 0; column < width; ++column) {
+      Vec3 sum;
+      for (int s = 0; s < samples; ++s) {
+        const float x = (static_cast<float>(column) + (static_cast<float>(s) + 0.5f) / samples) /
+                            static_cast<float>(width) -
+                        0.5f;
+        const float y =
+            (static_cast<float>(row) + 0.5f - 0.5f * static_cast<float>(height)) / static_cast<float>(width);
+        const float at = (x + 0.5f) * reeds;
+        const float reed = std::floor(at);
+        const float t = 2 * (at - reed) - 1;  // -1..1 across one reed
+        const float wave = 0.10f * noise({at * 0.7f, y * 1.3f, 0.5f}, seed);
+        const float slope = t * 0.92f / std::sqrt(1.06f - 0.85f * t * t) + wave;
+        Vec3 light;
+        for (int c = 0; c < 3; ++c) {
+          const float bend = 0.155f * (1 + 0.035f * static_cast<float>(c - 1));
+          const Vec3 seen = behind(x - slope * bend, y + 0.02f * wave);
+          (c == 0 ? light.x : c == 1 ? light.y : light.z) = c == 0 ? seen.x : c == 1 ? seen.y : seen.z;
+        }
+        const float edge = t * t * t * t;
+        light = light * (1 - 0.62f * edge * edge);
+        // The lit shoulder of each reed.
+        const float shoulder = std::exp(-90 * (t + 0.80f) * (t + 0.80f));
+        light += srgb(0xbfd3e0) * (0.05f * shoulder * (0.4f + 0.6f * smoothstep(-1.0f, 0.8f, y)));
+        sum += light;
+      }
+      picture.at(column, row) = sum * (1.0f / samples);
+    }
+  });
+  return picture;
+}
+
+}  // namespace brisklet
