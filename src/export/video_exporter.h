@@ -27,7 +27,6 @@ class ExportCancelled : public Error {
 namespace VideoExporter {
 
 inline constexpr int framesPerSecond = 30;
-/// Longer documents are refused before anything is touched.
 inline constexpr double longestMs = 24.0 * 60 * 60 * 1000;
 
 /// Frames appended so far, and frames in all. Called on the exporting thread.
@@ -36,6 +35,9 @@ using MakeWriter = std::function<std::unique_ptr<MovieWriter>(const QString& pat
 
 /// The number of frames of a document's movie; frame i shows the moment i / 30 s. At least one.
 [[nodiscard]] qint64 frameCount(const SequenceDocument& document);
+
+/// Throws `Error` for a document that is longer than `longestMs` or never ends.
+void requireExportable(const SequenceDocument& document);
 
 /// Writes the document's movie to `path`, replacing a file that is there. Runs on the calling thread, which
 /// needs an event loop, and suspends whenever it waits, so that the thread's other work goes on; encoding is

@@ -1,0 +1,124 @@
+#include "render/render_options.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <QMap>
+#include <cmath>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace brisklet {
+
+namespace {
+
+/// Positive infinity for "end".
+double momentMs(const QString& text) {
+  if (text == u"end"_s) return std::numeric_limits<double>::infinity();
+  bool isNumber = false;
+  const double seconds = text.toDouble(&isNumber);
+  if (!isNumber || !std::isfinite(seconds) || seconds < 0)
+    throw UsageError(u"--at takes a number of seconds or \"end\", not \"%1\""_s.arg(text));
+  return seconds * 1000;
+}
+
+QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes) {
+  if (scenes.isEmpty()) throw UsageError(u"--into needs at least one scene file"_s);
+  QList<RenderJob> jobs;
+  QMap<QString, QString> sceneOfMovie;
+  for (const QString& scene : scenes) {
+    if (scene == u"-"_s) throw UsageError(u"--into names movies after scene files, and \"-\" has no name"_s);
+    const QString movie = QDir(directory).filePath(QFileInfo(scene).completeBaseName() + u".mp4"_s);
+    if (sceneOfMovie.contains(movie))
+      throw UsageError(u"%1 and %2 would both become %3"_s.arg(sceneOfMovie[movie], scene, movie));
+    sceneOfMovie[movie] = scene;
+    RenderJob job;
+    job.scene = scene;
+    job.movie = movie;
+    jobs.append(job);
+  }
+  return jobs;
+}
+
+}  // namespace
+
+RenderOptions parseRenderOptions(const QStringList& arguments) {
+  const QCommandLineOption still(u"still"_s, {}, u"PICTURE"_s);
+  const QCommandLineOption at(u"at"_s, {}, u"SECONDS"_s);
+  const QCommandLineOption soundtrack(u"soundtrack"_s, {}, u"WAV"_s);
+  const QCommandLineOption into(u"into"_s, {}, u"DIR"_s);
+  const QCommandLineOption quiet({u"q"_s, u"quiet"_s});
+  const QCommandLineOption help({u"h"_s, u"help"_s});
+  const QCommandLineOption version(u"version"_s);
+  QCommandLineParser parser;
+  parser.addOptions({still, at, soundtrack, into, quiet, help, version});
+  // The parser takes the first argument for the program's name.
+  if (!parser.parse(QStringList(u"brisklet-render"_s) + arguments)) {
+    QString reason = parser.errorText();
+    if (reason.endsWith(u'.')) reason.chop(1);
+    throw UsageError(reason.isEmpty() ? reason : reason.left(1).toLower() + reason.mid(1));
+  }
+
+  RenderOptions options;
+  options.quiet = parser.isSet(quiet);
+  options.help = parser.isSet(help);
+  options.version = parser.isSet(version);
+  if (options.help || options.version) return options;
+
+  for (const QCommandLineOption& option : {still, at, soundtrack, into}) {
+    if (parser.values(option).size() > 1)
+      throw UsageError(u"--%1 is given more than once"_s.arg(option.names().first()));
+    if (parser.isSet(option) && parser.value(option).isEmpty())
+      throw UsageError(u"--%1 needs a value"_s.arg(option.names().first()));
+  }
+  const QStringList files = parser.positionalArguments();
+  if (files.contains(QString())) throw UsageError(u"a file name is empty"_s);
+  if (parser.isSet(into)) {
+    if (parser.isSet(still) || parser.isSet(at) || parser.isSet(soundtrack))
+      throw UsageError(u"--into makes movies only: leave out --still, --at and --soundtrack"_s);
+    options.into = parser.value(into);
+    options.jobs = jobsInto(options.into, files);
+    return options;
+  }
+
+  if (files.isEmpty()) throw UsageError(u"no scene file is given"_s);
+  if (files.size() > 2)
+    throw UsageError(u"there is one scene and one movie; to make several movies at once, use --into DIR"_s);
+  if (parser.isSet(at) && !parser.isSet(still)) throw UsageError(u"--at goes with --still"_s);
+  RenderJob job;
+  job.scene = files[0];
+  job.movie = files.value(1);
+  job.still = parser.value(still);
+  job.stillMs = momentMs(parser.isSet(at) ? parser.value(at) : u"end"_s);
+  job.soundtrack = parser.value(soundtrack);
+  if (job.movie == u"-"_s) throw UsageError(u"the movie needs a file: it cannot go to standard output"_s);
+  if (job.movie.isEmpty() && job.still.isEmpty() && job.soundtrack.isEmpty())
+    throw UsageError(u"nothing to make: name a movie, --still or --soundtrack"_s);
+  options.jobs.append(job);
+  return options;
+}
+
+QString renderUsage() {
+  return uR"(Makes a movie of notifications arriving on a lock screen from a scene file.
+
+Usage: brisklet-render SCENE.json [MOVIE.mp4] [--still PICTURE.png [--at SECONDS|end]]
+                       [--soundtrack TONES.wav] [--quiet]
+       brisklet-render --into DIR SCENE.json...
+
+  SCENE.json            the scene; - reads standard input
+  MOVIE.mp4             the movie, 1170 x 2532 at 30 frames a second with sound
+  --still PICTURE.png   one picture of the scene, at its end unless --at says when
+  --at SECONDS|end      the moment of the picture
+  --soundtrack WAV      the movie's sound as a 16-bit stereo WAV file
+  --into DIR            one movie a scene, named after it, in DIR
+  -q, --quiet           no progress
+  -h, --help            this text
+  --version             the program's version
+
+A file that is there is replaced. Exit status: 0 all is made, 1 something could not be made, 2 wrong use,
+130 interrupted.
+)"_s;
+}
+
+}  // namespace brisklet

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "base/error.h"
+
+namespace brisklet {
+
+/// The command line does not say what to do.
+class UsageError : public Error {
+ public:
+  using Error::Error;
+};
+
+/// What one scene file is made into. Paths are empty where an output is not asked for.
+struct RenderJob {
+  /// "-" is standard input.
+  QString scene;
+  QString movie;
+  QString still;
+  /// The moment of the still in milliseconds; positive infinity is the finished sequence.
+  double stillMs = 0;
+  QString soundtrack;
+};
+
+struct RenderOptions {
+  QList<RenderJob> jobs;
+  /// The directory of `--into`, made if it is missing; empty without it.
+  QString into;
+  bool quiet = false;
+  bool help = false;
+  bool version = false;
+};
+
+/// Reads the arguments behind the program's name. Throws `UsageError`.
+[[nodiscard]] RenderOptions parseRenderOptions(const QStringList& arguments);
+
+/// What `--help` says.
+[[nodiscard]] QString renderUsage();
+
+}  // namespace brisklet

@@ -1,0 +1,72 @@
+#include "render/render_options.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "support/printing.h"
+
+namespace brisklet {
+namespace {
+
+TEST(RenderOptions, aSceneTakesAnyOfItsOutputs) {
+  const RenderOptions options = parseRenderOptions(
+      {"scene.json", "--still", "a.png", "movie.mp4", "--at", "1.5", "--soundtrack", "a.wav", "--quiet"});
+  ASSERT_EQ(options.jobs.size(), 1);
+  const RenderJob& job = options.jobs[0];
+  EXPECT_EQ(job.scene, "scene.json");
+  EXPECT_EQ(job.movie, "movie.mp4");
+  EXPECT_EQ(job.still, "a.png");
+  EXPECT_EQ(job.stillMs, 1500);
+  EXPECT_EQ(job.soundtrack, "a.wav");
+  EXPECT_TRUE(options.quiet);
+
+  const RenderOptions still = parseRenderOptions({"-", "--still", "a.png"});
+  EXPECT_EQ(still.jobs[0].scene, "-");
+  EXPECT_EQ(still.jobs[0].stillMs, std::numeric_limits<double>::infinity());
+  EXPECT_EQ(parseRenderOptions({"-", "--still", "a.png", "--at", "end"}).jobs[0].stillMs,
+            still.jobs[0].stillMs);
+}
+
+TEST(RenderOptions, intoNamesAMovieAfterEachScene) {
+  const RenderOptions options = parseRenderOptions({"--into", "out", "a/one.json", "two.brisklet.json"});
+  ASSERT_EQ(options.jobs.size(), 2);
+  EXPECT_EQ(options.into, "out");
+  EXPECT_EQ(options.jobs[0].movie, "out/one.mp4");
+  EXPECT_EQ(options.jobs[1].movie, "out/two.brisklet.mp4");
+}
+
+TEST(RenderOptions, wrongUseIsNamed) {
+  const struct {
+    QStringList arguments;
+    QString says;
+  } rows[]{
+      {{}, "no scene file"},
+      {{"a.json"}, "nothing to make"},
+      {{"a.json", "--at", "1"}, "--at goes with --still"},
+      {{"a.json", "--still", "a.png", "--at", "soon"}, "\"soon\""},
+      {{"a.json", "--still", "a.png", "--at=-1"}, "\"-1\""},
+      {{"a.json", "--still", "a.png", "--at", "inf"}, "\"inf\""},
+      {{"a.json", "--still", "a.png", "--still", "b.png"}, "more than once"},
+      {{"a.json", "--still="}, "--still needs a value"},
+      {{"a.json", "--fast", "b.mp4"}, "fast"},
+      {{"a.json", "b.mp4", "c.mp4"}, "--into"},
+      {{"a.json", ""}, "empty"},
+      {{"a.json", "-"}, "standard output"},
+      {{"--into", "out"}, "at least one scene"},
+      {{"--into", "out", "-"}, "\"-\""},
+      {{"--into", "out", "a/x.json", "b/x.json"}, "both become"},
+      {{"--into", "out", "a.json", "--still", "a.png"}, "--into makes movies only"},
+  };
+  for (const auto& row : rows) {
+    try {
+      (void)parseRenderOptions(row.arguments);
+      ADD_FAILURE() << row.arguments.join(' ').toStdString();
+    } catch (const UsageError& error) {
+      EXPECT_TRUE(error.text().contains(row.says)) << error.text().toStdString();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace brisklet
