@@ -157,12 +157,18 @@ class StudioView : public QObject {
   };
 
   [[nodiscard]] static State firstState();
-  /// Stores the next state and tells what differs.
-  void store(State next);
+  /// Edits the state, then tells what differs.
+  template <typename Edit>
+  void change(Edit edit);
+  void announceChanges(const State& former);
+  /// Writes a template's texts into the selected ping, or else into the drafts.
+  static void fillIn(State& state, const PingType& type);
+  [[nodiscard]] bool isSelected(const QString& id) const;
   void setError(const QString& error);
   void setExporting(bool exporting);
   void setExportProgress(double progress);
-  void replacePlayer();
+  /// Replaces the player by a new one over the document.
+  void makePlayer();
   /// Sounds the pings that have come into view since the last look.
   void watchVisiblePings();
   void startExport(const QString& path);
@@ -177,7 +183,7 @@ class StudioView : public QObject {
   bool panelOpen_ = false;
   bool exporting_ = false;
   double exportProgress_ = 0;
-  std::stop_source stopExport_{std::nostopstate};
+  std::stop_source exportStop_{std::nostopstate};
   QCoro::Task<> export_;
   QString error_;
 };
