@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <locale>
+#include <sstream>
 
 using namespace Qt::StringLiterals;
 
@@ -70,8 +72,12 @@ std::optional<double> readSeconds(const QString& text) {
   // What is not Latin 1 becomes "?", which is in no number.
   const QByteArray decimal = text.toLatin1().replace(',', '.');
   if (!isDecimalNumber(decimal)) return {};
-  // Too small to be told from 0 reads as 0, too large as infinity.
-  const double ms = decimal.toDouble() * 1000;
+  // Unlike other readers, a stream tells a number too large, which fails, from one too small, which is 0.
+  std::istringstream stream(decimal.toStdString());
+  stream.imbue(std::locale::classic());
+  double seconds = 0;
+  if (!(stream >> seconds)) return {};
+  const double ms = seconds * 1000;
   if (!std::isfinite(ms)) return {};
   return ms > 0 ? ms : 0;
 }
