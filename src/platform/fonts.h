@@ -21,4 +21,11 @@ struct TextStyle {
 /// drawn with `TextLine` and `TextBlock`, which are exact.
 [[nodiscard]] QFont systemFont(double sizePt, FontWeight weight, double trackingPt = 0);
 
+/// The font in which a style is laid out: `unitsPerPoint` times as large, since Qt draws whole sizes only.
+struct LayoutFont {
+  QFont font;
+  double unitsPerPoint = 1;
+};
+[[nodiscard]] LayoutFont layoutFont(const TextStyle& style);
+
 }  // namespace brisklet

@@ -10,9 +10,17 @@ namespace brisklet {
 /// Pictures that claim more pixels than this are not decoded.
 inline constexpr qint64 maxImagePixels = 300'000'000;
 
-/// The picture in a file (JPEG, PNG, WebP, GIF, BMP, TIFF, HEIC, AVIF), upright by its orientation tag and in
-/// sRGB; nothing when it is missing, unreadable or beyond `maxImagePixels`.
-[[nodiscard]] std::optional<QImage> decodeImageFile(const QString& path);
+/// Files longer than this are not read.
+inline constexpr qint64 maxImageFileBytes = 512LL << 20;
+
+/// What becomes of transparent parts. `OverBlack` gives RGB32, `Kept` gives ARGB32 premultiplied.
+enum class Transparency { OverBlack, Kept };
+
+/// The picture in a file (JPEG, PNG, WebP, GIF, BMP, TIFF, HEIC, AVIF; the content decides, not the name),
+/// upright by its orientation tag and in sRGB; of an animation, the first picture. Nothing when the file is
+/// missing, not a regular file, cut short, unreadable or beyond the limits.
+[[nodiscard]] std::optional<QImage> decodeImageFile(const QString& path,
+                                                    Transparency transparency = Transparency::OverBlack);
 
 /// The file name endings that `decodeImageFile` reads, in lower case without a dot.
 [[nodiscard]] QStringList readableImageSuffixes();

@@ -1,0 +1,66 @@
+#include "platform/fonts.h"
+
+#include <QFontDatabase>
+#include <QStringList>
+#include <algorithm>
+#include <cmath>
+
+namespace brisklet {
+
+namespace {
+
+/// From this size on the cut for display sizes is used: its details are finer and its spacing is tighter.
+constexpr double displaySizePt = 32;
+
+QStringList families(const char* first) {
+  // Without the emoji font in second place some emoji come from black and white fonts.
+  QStringList names{QLatin1String(first), QStringLiteral("Noto Color Emoji")};
+  for (const char* name :
+       {"Noto Sans", "Noto Sans Arabic", "Noto Sans Hebrew", "Noto Sans Thai", "Noto Sans Devanagari",
+        "Noto Sans Bengali", "Noto Sans Tamil", "Noto Sans CJK SC", "Noto Sans CJK JP", "Noto Sans CJK KR",
+        "Noto Sans Symbols", "Noto Sans Symbols2", "Noto Sans Math"})
+    names.append(QLatin1String(name));
+  return names;
+}
+
+struct Families {
+  QStringList text, display;
+};
+
+/// Loads the embedded fonts on first use.
+const Families& systemFamilies() {
+  static const Families loaded = [] {
+    for (const char* file :
+         {"Inter-Regular", "Inter-Medium", "Inter-SemiBold", "Inter-Bold", "InterDisplay-SemiBold"})
+      QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/%1.otf").arg(QLatin1String(file)));
+    return Families{families("Inter"), families("Inter Display")};
+  }();
+  return loaded;
+}
+
+QFont makeFont(const TextStyle& style, int pixelSize) {
+  const bool display = style.sizePt >= displaySizePt && style.weight == FontWeight::Semibold;
+  QFont font(display ? systemFamilies().display : systemFamilies().text);
+  font.setPixelSize(pixelSize);
+  font.setWeight(static_cast<QFont::Weight>(style.weight));
+  font.setHintingPreference(QFont::PreferNoHinting);
+  font.setStyleStrategy(QFont::PreferAntialias);
+  font.setKerning(true);
+  if (style.trackingPt != 0)
+    font.setLetterSpacing(QFont::AbsoluteSpacing, style.trackingPt * pixelSize / style.sizePt);
+  return font;
+}
+
+}  // namespace
+
+QFont systemFont(double sizePt, FontWeight weight, double trackingPt) {
+  return makeFont({sizePt, weight, trackingPt}, std::max(1, qRound(sizePt)));
+}
+
+LayoutFont layoutFont(const TextStyle& style) {
+  // Four times the size, so that what Qt rounds, to 1/64 of a unit, does not add up along a line.
+  const int pixelSize = std::max(1, qRound(style.sizePt * 4));
+  return {makeFont(style, pixelSize), pixelSize / style.sizePt};
+}
+
+}  // namespace brisklet

@@ -1,0 +1,216 @@
+#include "platform/image_decoder.h"
+
+#include <libheif/heif.h>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QColorSpace>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <array>
+#include <memory>
+
+namespace brisklet {
+
+namespace {
+
+/// Memory that Qt may take for one picture: as many pixels as are allowed, of up to 16 bits a channel.
+constexpr int maxAllocationMebibytes = static_cast<int>((maxImagePixels * 8) >> 20) + 1;
+
+bool isAllowedSize(qint64 width, qint64 height) {
+  return width > 0 && height > 0 && width <= maxImagePixels / height;
+}
+
+/// The format by the first bytes, as Qt names it; "heif" for HEIC and AVIF; empty if it is none of ours.
+QByteArray formatOf(const QByteArray& data) {
+  const auto at = [&](qsizetype offset, QByteArrayView bytes) {
+    return data.size() >= offset + bytes.size() && QByteArrayView(data).sliced(offset, bytes.size()) == bytes;
+  };
+  if (at(0, "\xff\xd8\xff")) return "jpeg";
+  if (at(0, "\x89PNG\r\n\x1a\n")) return "png";
+  if (at(0, "RIFF") && at(8, "WEBP")) return "webp";
+  if (at(0, "GIF87a") || at(0, "GIF89a")) return "gif";
+  if (at(0, "BM")) return "bmp";
+  if (at(0, QByteArrayView("II*\0", 4)) || at(0, QByteArrayView("MM\0*", 4))) return "tiff";
+  if (at(4, "ftyp")) return "heif";
+  return {};
+}
+
+quint32 byteAt(const QByteArray& data, qsizetype at) {
+  return at >= 0 && at < data.size() ? static_cast<uchar>(data[at]) : 0;
+}
+
+/// Whether the end of the picture is there. Qt's reader fills up the rest of a cut JPEG with grey.
+bool isCompleteJpeg(const QByteArray& data) {
+  qsizetype at = 2;
+  while (at + 1 < data.size()) {
+    if (byteAt(data, at) != 0xff) {
+      // Within the entropy-coded data of a scan.
+      at = data.indexOf('\xff', at);
+      if (at < 0) return false;
+      continue;
+    }
+    const quint32 marker = byteAt(data, at + 1);
+    if (marker == 0xd9) return true;
+    if (marker == 0xff) {
+      at += 1;
+    } else if (marker == 0 || marker == 1 || (marker >= 0xd0 && marker <= 0xd8)) {
+      at += 2;
+    } else {
+      at += 2 + qsizetype(byteAt(data, at + 2) << 8 | byteAt(data, at + 3));
+    }
+  }
+  return false;
+}
+
+/// Whether the first picture is there to its end. Qt's reader gives what it has.
+bool isCompleteGif(const QByteArray& data) {
+  const auto colorTableBytes = [&](quint32 flags) {
+    return qsizetype(flags & 0x80 ? 3 << ((flags & 7) + 1) : 0);
+  };
+  const auto afterBlocks = [&](qsizetype at) {
+    while (byteAt(data, at) != 0) at += 1 + byteAt(data, at);
+    return at + 1;
+  };
+  qsizetype at = 13 + colorTableBytes(byteAt(data, 10));
+  while (byteAt(data, at) == '!') at = afterBlocks(at + 2);
+  if (byteAt(data, at) != ',') return false;
+  at += 10 + colorTableBytes(byteAt(data, at + 9));
+  return afterBlocks(at + 1) <= data.size();
+}
+
+std::optional<QImage> decodedByQt(QByteArray& data, const QByteArray& format) {
+  if ((format == "jpeg" && !isCompleteJpeg(data)) || (format == "gif" && !isCompleteGif(data)))
+    return std::nullopt;
+  QBuffer buffer(&data);
+  buffer.open(QIODevice::ReadOnly);
+  QImageReader reader(&buffer, format);
+  reader.setAutoDetectImageFormat(false);
+  reader.setAutoTransform(true);
+  const QSize size = reader.size();
+  if (!isAllowedSize(size.width(), size.height())) return std::nullopt;
+  if (QImageReader::allocationLimit() < maxAllocationMebibytes)
+    QImageReader::setAllocationLimit(maxAllocationMebibytes);
+  QImage image = reader.read();
+  if (image.isNull()) return std::nullopt;
+  return image;
+}
+
+struct FreeContext {
+  void operator()(heif_context* context) const { heif_context_free(context); }
+};
+struct FreeHandle {
+  void operator()(heif_image_handle* handle) const { heif_image_handle_release(handle); }
+};
+struct FreeImage {
+  void operator()(heif_image* image) const { heif_image_release(image); }
+};
+struct FreeOptions {
+  void operator()(heif_decoding_options* options) const { heif_decoding_options_free(options); }
+};
+
+bool isGood(const heif_error& error) {
+  return error.code == heif_error_Ok;
+}
+
+QColorSpace colorSpaceOf(const heif_image_handle* handle) {
+  if (const std::size_t size = heif_image_handle_get_raw_color_profile_size(handle); size > 0) {
+    QByteArray profile(static_cast<qsizetype>(size), '\0');
+    if (isGood(heif_image_handle_get_raw_color_profile(handle, profile.data())))
+      return QColorSpace::fromIccProfile(profile);
+  }
+  return {};
+}
+
+/// The HEIC or AVIF picture. The format's own rotation and mirroring is applied; the EXIF orientation beside
+/// it says the same again and is not.
+std::optional<QImage> decodedByHeif(const QByteArray& data) {
+  const std::unique_ptr<heif_context, FreeContext> context(heif_context_alloc());
+  if (!context || !isGood(heif_context_read_from_memory_without_copy(
+                      context.get(), data.constData(), static_cast<std::size_t>(data.size()), nullptr)))
+    return std::nullopt;
+
+  heif_image_handle* rawHandle = nullptr;
+  if (!isGood(heif_context_get_primary_image_handle(context.get(), &rawHandle))) return std::nullopt;
+  const std::unique_ptr<heif_image_handle, FreeHandle> handle(rawHandle);
+  if (!isAllowedSize(heif_image_handle_get_width(handle.get()), heif_image_handle_get_height(handle.get())))
+    return std::nullopt;
+
+  const std::unique_ptr<heif_decoding_options, FreeOptions> options(heif_decoding_options_alloc());
+  if (!options) return std::nullopt;
+  options->convert_hdr_to_8bit = 1;
+  heif_image* rawImage = nullptr;
+  if (!isGood(heif_decode_image(handle.get(), &rawImage, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
+                                options.get())))
+    return std::nullopt;
+  const std::unique_ptr<heif_image, FreeImage> decoded(rawImage);
+
+  int stride = 0;
+  const uchar* pixels = heif_image_get_plane_readonly(decoded.get(), heif_channel_interleaved, &stride);
+  const int width = heif_image_get_width(decoded.get(), heif_channel_interleaved);
+  const int height = heif_image_get_height(decoded.get(), heif_channel_interleaved);
+  if (!pixels || !isAllowedSize(width, height)) return std::nullopt;
+  const bool hasAlpha = heif_image_handle_has_alpha_channel(handle.get()) != 0;
+  const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle.get()) != 0;
+  QImage image = QImage(pixels, width, height, stride,
+                        !hasAlpha       ? QImage::Format_RGBX8888
+                        : premultiplied ? QImage::Format_RGBA8888_Premultiplied
+                                        : QImage::Format_RGBA8888)
+                     .convertToFormat(hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+  if (image.isNull()) return std::nullopt;
+  image.setColorSpace(colorSpaceOf(handle.get()));
+  return image;
+}
+
+/// Black behind what is transparent: with premultiplied colours, only the alpha changes.
+void putOverBlack(QImage& image) {
+  for (int y = 0; y < image.height(); ++y) {
+    auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+    for (int x = 0; x < image.width(); ++x) row[x] |= 0xff000000U;
+  }
+  image.reinterpretAsFormat(QImage::Format_RGB32);
+}
+
+}  // namespace
+
+std::optional<QImage> decodeImageFile(const QString& path, Transparency transparency) {
+  // Neither folders, nor pipes that block, nor devices that never end.
+  const QFileInfo info(path);
+  if (!info.isFile() || info.size() <= 0 || info.size() > maxImageFileBytes) return std::nullopt;
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+  QByteArray data = file.read(maxImageFileBytes);
+
+  const QByteArray format = formatOf(data);
+  if (format.isEmpty()) return std::nullopt;
+  std::optional<QImage> decoded = format == "heif" ? decodedByHeif(data) : decodedByQt(data, format);
+  if (!decoded) return std::nullopt;
+  QImage image = *std::move(decoded);
+
+  const QColorSpace colorSpace = image.colorSpace();
+  image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+  if (colorSpace.isValid() && colorSpace != QColorSpace(QColorSpace::SRgb)) {
+    image.setColorSpace(colorSpace);
+    image.convertToColorSpace(QColorSpace::SRgb);
+  }
+  image.setColorSpace(QColorSpace::SRgb);
+  if (transparency == Transparency::Kept || image.hasAlphaChannel())
+    image.convertTo(QImage::Format_ARGB32_Premultiplied);
+  if (transparency == Transparency::OverBlack && image.hasAlphaChannel()) putOverBlack(image);
+  if (image.isNull()) return std::nullopt;
+  return image;
+}
+
+QStringList readableImageSuffixes() {
+  QStringList suffixes;
+  const QList<QByteArray> readable = QImageReader::supportedImageFormats();
+  for (const char* suffix : {"jpg", "jpeg", "png", "webp", "gif", "bmp", "tif", "tiff"})
+    if (readable.contains(suffix)) suffixes.append(QLatin1String(suffix));
+  if (heif_have_decoder_for_format(heif_compression_HEVC))
+    suffixes << QStringLiteral("heic") << QStringLiteral("heif");
+  if (heif_have_decoder_for_format(heif_compression_AV1)) suffixes << QStringLiteral("avif");
+  return suffixes;
+}
+
+}  // namespace brisklet
