@@ -1,0 +1,99 @@
+#include "platform/aac_encoder.h"
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+}
+
+#include <algorithm>
+
+#include "platform/movie_failure.h"
+
+namespace brisklet {
+
+bool AacEncoder::supports(const AacSettings& settings) {
+  const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
+  if (codec == nullptr || settings.bitRate < 1 || settings.channels < 1 || settings.channels > 2)
+    return false;
+  for (const int* rate = codec->supported_samplerates; *rate != 0; ++rate)
+    if (*rate == settings.sampleRate) return true;
+  return false;
+}
+
+AacEncoder::AacEncoder(const AacSettings& settings, Sink sink) : sink_(std::move(sink)) {
+  const AVCodec* codec = checked(avcodec_find_encoder(AV_CODEC_ID_AAC), "the AAC encoder");
+  context_.reset(checked(avcodec_alloc_context3(codec), "the AAC encoder"));
+  context_->sample_rate = settings.sampleRate;
+  context_->sample_fmt = AV_SAMPLE_FMT_FLTP;
+  context_->bit_rate = settings.bitRate;
+  context_->time_base = {1, settings.sampleRate};
+  context_->thread_count = 1;
+  // Bit exact: no encoder version in the stream. Global header: the configuration goes to the container.
+  context_->flags |= AV_CODEC_FLAG_BITEXACT | AV_CODEC_FLAG_GLOBAL_HEADER;
+  av_channel_layout_default(&context_->ch_layout, settings.channels);
+  checked(avcodec_open2(context_.get(), codec, nullptr), "opening the AAC encoder");
+
+  packet_.reset(checked(av_packet_alloc(), "the AAC encoder"));
+  frame_.reset(checked(av_frame_alloc(), "the AAC encoder"));
+  frame_->nb_samples = context_->frame_size;
+  frame_->format = context_->sample_fmt;
+  frame_->sample_rate = context_->sample_rate;
+  checked(av_channel_layout_copy(&frame_->ch_layout, &context_->ch_layout), "preparing sound");
+  checked(av_frame_get_buffer(frame_.get(), 0), "preparing sound");
+}
+
+std::span<const uint8_t> AacEncoder::decoderConfiguration() const {
+  return {context_->extradata, static_cast<size_t>(context_->extradata_size)};
+}
+
+void AacEncoder::append(std::span<const int16_t> samples) {
+  const auto whole = static_cast<size_t>(packetSamples() * context_->ch_layout.nb_channels);
+  while (!samples.empty()) {
+    const size_t count = std::min(samples.size(), whole - pending_.size());
+    pending_.insert(pending_.end(), samples.begin(), samples.begin() + static_cast<ptrdiff_t>(count));
+    samples = samples.subspan(count);
+    if (pending_.size() == whole) encodePending();
+  }
+}
+
+void AacEncoder::appendSilence(int64_t samplesPerChannel) {
+  const std::vector<int16_t> silence(static_cast<size_t>(packetSamples() * context_->ch_layout.nb_channels));
+  while (samplesPerChannel > 0) {
+    const int64_t count = std::min<int64_t>(samplesPerChannel, packetSamples());
+    append(std::span(silence).first(static_cast<size_t>(count * context_->ch_layout.nb_channels)));
+    samplesPerChannel -= count;
+  }
+}
+
+void AacEncoder::finish() {
+  if (!pending_.empty()) encodePending();
+  encode(nullptr);
+}
+
+void AacEncoder::encodePending() {
+  checked(av_frame_make_writable(frame_.get()), "preparing sound");
+  const auto channels = static_cast<size_t>(context_->ch_layout.nb_channels);
+  const size_t count = pending_.size() / channels;
+  for (size_t channel = 0; channel < channels; ++channel) {
+    auto* plane = reinterpret_cast<float*>(frame_->extended_data[channel]);
+    for (size_t i = 0; i < count; ++i)
+      plane[i] = static_cast<float>(pending_[i * channels + channel]) / 32768;
+  }
+  frame_->nb_samples = static_cast<int>(count);
+  frame_->pts = samplesIn_;
+  samplesIn_ += static_cast<int64_t>(count);
+  pending_.clear();
+  encode(frame_.get());
+}
+
+void AacEncoder::encode(const AVFrame* frame) {
+  checked(avcodec_send_frame(context_.get(), frame), "encoding sound");
+  while (true) {
+    const int result = avcodec_receive_packet(context_.get(), packet_.get());
+    if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
+    checked(result, "encoding sound");
+    sink_({packet_->data, static_cast<size_t>(packet_->size)}, packet_->pts, packet_->duration);
+    av_packet_unref(packet_.get());
+  }
+}
+
+}  // namespace brisklet

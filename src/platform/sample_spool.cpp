@@ -1,0 +1,67 @@
+#include "platform/sample_spool.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+
+#include "platform/movie_failure.h"
+
+namespace brisklet {
+
+namespace {
+
+constexpr size_t bytesInMemory = 8 << 20;
+
+UniqueFd namelessFile(const std::string& folder) {
+  if (UniqueFd file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600)); file) return file;
+  // Not every file system has nameless files; there a name is given and taken away at once.
+  std::string name = folder + "/.brisklet-XXXXXX";
+  UniqueFd file(::mkostemp(name.data(), O_CLOEXEC));
+  if (!file) throw MovieFailure(systemCause(errno));
+  ::unlink(name.c_str());
+  return file;
+}
+
+}  // namespace
+
+void SampleSpool::append(std::span<const uint8_t> data, int64_t time, int64_t duration, bool isKey) {
+  if (recent_.size() + data.size() > bytesInMemory) spill();
+  recent_.insert(recent_.end(), data.begin(), data.end());
+  samples_.push_back({static_cast<uint32_t>(data.size()), isKey, time, duration});
+}
+
+void SampleSpool::spill() {
+  if (!file_) file_ = namelessFile(folder_);
+  size_t written = 0;
+  while (written < recent_.size()) {
+    const ssize_t count = ::write(file_.get(), recent_.data() + written, recent_.size() - written);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw MovieFailure(systemCause(errno));
+    written += static_cast<size_t>(count);
+  }
+  fileBytes_ += static_cast<int64_t>(written);
+  recent_.clear();
+}
+
+std::span<const uint8_t> SampleSpool::next() {
+  const size_t bytes = samples_.at(nextSample_++).bytes;
+  const int64_t begin = readPosition_;
+  readPosition_ += static_cast<int64_t>(bytes);
+  // A sample is whole on one side: `append` spills before it, never within it.
+  if (begin >= fileBytes_) return std::span(recent_).subspan(static_cast<size_t>(begin - fileBytes_), bytes);
+
+  current_.resize(bytes);
+  size_t have = 0;
+  while (have < bytes) {
+    const ssize_t count =
+        ::pread(file_.get(), current_.data() + have, bytes - have, begin + static_cast<off_t>(have));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) throw MovieFailure(systemCause(count < 0 ? errno : EIO));
+    have += static_cast<size_t>(count);
+  }
+  return current_;
+}
+
+}  // namespace brisklet
