@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <span>
+#include <vector>
+
+namespace brisklet {
+
+/// The two renderings of the lock screen's plates.
+enum class GlassStyle {
+  /// Captured for a movie: ultra-thin frosted material.
+  Material,
+  /// Live: clearer glass that bends what is behind its rim and flows into glass that is near.
+  Regular
+};
+
+/// The wallpaper as it shines through a plate, at the wallpaper's size: blurred, livelier in colour, and
+/// moved into the range of brightness over which white text can be read, black lifted and white lowered. Text
+/// that is white at an opacity of 0.7 or more has a contrast of 3:1 or better everywhere on it. RGB32.
+[[nodiscard]] QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle style);
+
+/// A plate of a column at one moment.
+struct GlassPlate {
+  /// Pixels; fractions are drawn.
+  double top = 0;
+  double opacity = 1;
+};
+
+/// Paints plates of one shape that stand above each other. Made once for a shape and scale.
+class LockGlass {
+ public:
+  /// The size is in pixels, the corner radius in points.
+  LockGlass(const QSize& plateSize, double cornerRadius, double pixelsPerPoint, GlassStyle style);
+
+  /// Paints the plates with their shadows over the RGB32 picture `target`, which has the backdrop's size.
+  /// Plates nearer than 10 points to each other flow into one shape. The picture is the mean, over all
+  /// thresholds from 0 to 1, of the glass of those plates whose opacity reaches the threshold: a plate that
+  /// fades in joins its neighbours by and by.
+  void paint(QImage& target, const QImage& backdrop, int left, std::span<const GlassPlate> plates) const;
+
+  [[nodiscard]] QSize plateSize() const { return size_; }
+  /// Pixels around a plate that its shadow may reach.
+  [[nodiscard]] int reach() const { return margin_; }
+
+ private:
+  /// What light does at one depth below the rim.
+  struct Depth {
+    float bend;      // pixels towards the inside from which the backdrop is seen
+    float hairline;  // share of the bright line along the rim
+    float glow;      // share of the light that spreads inwards from it
+    float shade;     // share of the darkness within the far rim
+  };
+  /// Distances to the outline along one pixel row, pixels, negative inside: the columns from `margin_` left
+  /// of the plates to where the outline runs straight, and the value of all columns between the two sides.
+  struct FieldRow {
+    std::vector<float> side;
+    float middle = 0;
+  };
+  struct RowPainter;
+
+  void buildField(double radius);
+  void buildLight(double pixelsPerPoint, GlassStyle style);
+  /// The smooth union of the plates; false where all are out of reach.
+  bool fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const;
+  void paintRow(QRgb* target, int width, const QImage& backdrop, int y, int left,
+                std::span<const GlassPlate> plates) const;
+
+  QSize size_;
+  int margin_ = 0;
+  /// Columns of the field on each side: the margin and the corner.
+  int columns_ = 0;
+  /// Field rows from `margin_` above the plate to its middle, at whole pixels.
+  int rows_ = 0;
+  std::vector<float> field_;
+  /// The range of the smooth union, pixels.
+  float flow_ = 0;
+
+  std::vector<Depth> depths_;
+  std::vector<float> shadow_;
+  double shadowOffset_ = 0;
+  float baseLight_ = 0, nearLight_ = 0, farLight_ = 0;
+};
+
+}  // namespace brisklet

@@ -1,0 +1,85 @@
+#include "lockscreen/lock_screen_layout.h"
+
+#include <algorithm>
+
+#include "platform/symbol_image.h"
+
+using namespace Qt::StringLiterals;
+
+namespace brisklet {
+namespace {
+
+namespace Metrics = LockScreenMetrics;
+
+/// More characters of a label than this reach beyond the canvas at any size that is drawn.
+constexpr qsizetype maxLabelCharacters = 2000;
+
+QRectF centredBelow(double top, const QSizeF& size) {
+  return {(Metrics::canvasWidth - size.width()) / 2, top, size.width(), size.height()};
+}
+
+}  // namespace
+
+TextBlock labelLines(const QString& label, const TextStyle& style) {
+  return {label.left(maxLabelCharacters), style, Metrics::canvasWidth};
+}
+
+QRectF LockScreenLayout::card(qsizetype index) const {
+  return {Metrics::cardInset,
+          cardArea.top() + static_cast<double>(index) * (Metrics::cardHeight + Metrics::cardSpacing),
+          Metrics::cardWidth, Metrics::cardHeight};
+}
+
+LockScreenLayout lockScreenLayout(const SequenceDocument& document, qsizetype cardCount) {
+  LockScreenLayout layout;
+
+  const double statusTextHeight = lineHeight(LockScreenStyles::status);
+  double statusHeight = statusTextHeight;
+  double symbolsWidth = 0;
+  const QStringList symbolNames{u"cellularbars"_s, u"wifi"_s, u"battery.100percent"_s};
+  for (const QString& name : symbolNames) {
+    const QSizeF size = symbolSize(name, Metrics::statusSymbolSize);
+    statusHeight = std::max(statusHeight, size.height());
+    symbolsWidth += size.width() + (symbolsWidth > 0 ? Metrics::statusSymbolSpacing : 0);
+  }
+  layout.statusBar = {Metrics::statusInset, Metrics::statusTop,
+                      Metrics::canvasWidth - 2 * Metrics::statusInset, statusHeight};
+  double symbolLeft = layout.statusBar.right() - symbolsWidth;
+  for (const QString& name : symbolNames) {
+    const QSizeF size = symbolSize(name, Metrics::statusSymbolSize);
+    layout.statusSymbols.append(
+        {name, {symbolLeft, layout.statusBar.center().y() - size.height() / 2, size.width(), size.height()}});
+    symbolLeft += size.width() + Metrics::statusSymbolSpacing;
+  }
+  layout.statusTime = {layout.statusBar.left(), layout.statusBar.center().y() - statusTextHeight / 2 +
+                                                    lineAscent(LockScreenStyles::status)};
+  layout.statusTimeRoom = layout.statusBar.width() - symbolsWidth - 2 * Metrics::standardSpacing;
+
+  const double clockTop = layout.statusBar.bottom() + Metrics::clockTop;
+  layout.date = centredBelow(clockTop, labelLines(document.dateLabel, LockScreenStyles::date).size());
+  layout.time =
+      centredBelow(layout.date.bottom(), labelLines(document.timeLabel, LockScreenStyles::time).size());
+  layout.clockBlock = {0, clockTop, Metrics::canvasWidth, layout.time.bottom() - clockTop};
+
+  const double indicatorHeight = Metrics::indicatorHeight + Metrics::indicatorBottom;
+  const double rowHeight = Metrics::orbSize + Metrics::orbBottom;
+  const double cardsTop = layout.clockBlock.bottom() + Metrics::cardAreaTop;
+  // A clock that fills the canvas pushes what follows out of it.
+  const double rowTop = std::max(cardsTop, Metrics::canvasHeight - indicatorHeight - rowHeight);
+  layout.cardArea = {Metrics::cardInset, cardsTop, Metrics::cardWidth, rowTop - cardsTop};
+  for (qsizetype index = 0; index < cardCount; ++index) {
+    const QRectF card = layout.card(index);
+    if (card.top() >= Metrics::canvasHeight) break;
+    layout.cards.append(card);
+  }
+
+  const QRectF orb(0, rowTop, Metrics::orbSize, Metrics::orbSize);
+  layout.torchOrb = {u"flashlight.off.fill"_s, orb.translated(Metrics::orbInset, 0)};
+  layout.cameraOrb = {u"camera.fill"_s,
+                      orb.translated(Metrics::canvasWidth - Metrics::orbInset - Metrics::orbSize, 0)};
+  layout.homeIndicator = {(Metrics::canvasWidth - Metrics::indicatorWidth) / 2, rowTop + rowHeight,
+                          Metrics::indicatorWidth, Metrics::indicatorHeight};
+  return layout;
+}
+
+}  // namespace brisklet

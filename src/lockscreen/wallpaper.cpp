@@ -1,0 +1,83 @@
+#include "lockscreen/wallpaper.h"
+
+#include <QColor>
+#include <QFileInfo>
+#include <QPainter>
+#include <QRectF>
+#include <algorithm>
+#include <cmath>
+
+#include "lockscreen/bundle_image.h"
+#include "model/color.h"
+#include "platform/image_decoder.h"
+
+using namespace Qt::StringLiterals;
+
+namespace brisklet {
+namespace {
+
+QImage overBlack(const QImage& image) {
+  if (!image.hasAlphaChannel()) return image.convertToFormat(QImage::Format_RGB32);
+  QImage opaque(image.size(), QImage::Format_RGB32);
+  opaque.fill(Qt::black);
+  QPainter(&opaque).drawImage(0, 0, image);
+  return opaque;
+}
+
+QImage plainFill(const QSize& pixels) {
+  const Color color = Color::fromHex(u"#9bb4be"_s);
+  QImage image(pixels, QImage::Format_RGB32);
+  image.fill(QColor::fromRgbF(float(color.red), float(color.green), float(color.blue)));
+  return image;
+}
+
+}  // namespace
+
+QImage photoFill(const QImage& photo, const QSize& pixels) {
+  if (photo.isNull() || pixels.isEmpty()) return {};
+  const double scale =
+      std::max(double(pixels.width()) / photo.width(), double(pixels.height()) / photo.height());
+  // Only what shows is scaled: a narrow strip enlarged as a whole would be immense.
+  QRectF shown(0, 0, pixels.width() / scale, pixels.height() / scale);
+  shown.moveCenter({photo.width() / 2.0, photo.height() / 2.0});
+  const QRect source = shown.toAlignedRect() & photo.rect();
+  const QSize scaledSize(std::max(pixels.width(), qRound(source.width() * scale)),
+                         std::max(pixels.height(), qRound(source.height() * scale)));
+  const QImage cut = source == photo.rect() ? photo : photo.copy(source);
+  const QImage scaled = cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  const int left =
+      std::clamp(qRound((shown.left() - source.left()) * scale), 0, scaledSize.width() - pixels.width());
+  const int top =
+      std::clamp(qRound((shown.top() - source.top()) * scale), 0, scaledSize.height() - pixels.height());
+  return scaled.size() == pixels ? scaled : scaled.copy(QRect(QPoint(left, top), pixels));
+}
+
+const QImage& WallpaperSource::filled(const SequenceDocument& document, const QSize& pixels) {
+  Origin origin = originOf(document);
+  if (image_.size() != pixels || !(origin == origin_)) {
+    image_ = read(origin, pixels);
+    origin_ = std::move(origin);
+  }
+  return image_;
+}
+
+WallpaperSource::Origin WallpaperSource::originOf(const SequenceDocument& document) {
+  if (document.wallpaper == u"custom"_s) {
+    const QFileInfo file(document.wallpaperUrl);
+    if (file.isFile()) return {{}, document.wallpaperUrl, file.size(), file.lastModified()};
+  }
+  for (const QString& name : {u"two"_s, u"three"_s, u"four"_s}) {
+    if (document.wallpaper == name) return {name, {}, -1, {}};
+  }
+  return {u"one"_s, {}, -1, {}};
+}
+
+QImage WallpaperSource::read(const Origin& origin, const QSize& pixels) {
+  if (!origin.path.isEmpty()) {
+    if (const auto photo = decodeImageFile(origin.path)) return overBlack(photoFill(*photo, pixels));
+  }
+  const auto builtIn = BundleImage::named(origin.path.isEmpty() ? origin.name : u"one"_s);
+  return builtIn ? overBlack(photoFill(*builtIn, pixels)) : plainFill(pixels);
+}
+
+}  // namespace brisklet

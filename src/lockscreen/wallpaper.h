@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QDateTime>
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include "model/sequence_document.h"
+
+namespace brisklet {
+
+/// The picture scaled uniformly to cover `pixels`, centred and cut off at the edges.
+[[nodiscard]] QImage photoFill(const QImage& photo, const QSize& pixels);
+
+/// Holds the wallpaper of the document last asked for, at the size last asked for. A custom photo is looked
+/// at every time, and read again only when its path, size or time of change differs.
+class WallpaperSource {
+ public:
+  /// The document's wallpaper filling `pixels`: its photo or built-in picture, built-in "one" where there is
+  /// no such picture or no readable photo, and plain "#9bb4be" without even that. Never fails. The same
+  /// image (equal `cacheKey()`) until something changes.
+  [[nodiscard]] const QImage& filled(const SequenceDocument& document, const QSize& pixels);
+
+ private:
+  /// What decides the picture. For a built-in wallpaper only `name` is set.
+  struct Origin {
+    QString name;
+    QString path;
+    qint64 bytes = -1;
+    QDateTime changed;
+
+    friend bool operator==(const Origin&, const Origin&) = default;
+  };
+  [[nodiscard]] static Origin originOf(const SequenceDocument& document);
+  [[nodiscard]] static QImage read(const Origin& origin, const QSize& pixels);
+
+  Origin origin_;
+  QImage image_;
+};
+
+}  // namespace brisklet
