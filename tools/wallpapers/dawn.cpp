@@ -9,13 +9,13 @@ namespace {
 constexpr std::uint32_t seed = 1100;
 constexpr float eye = 2.6f, cloudTop = 1.55f, cloudBase = 0.2f, farthest = 70;
 
-const Vec3 sun = normalized({0.42f, 0.88f, 0.10f});
-const Vec3 sunlight = Vec3{1.00f, 0.58f, 0.36f} * 1.25f;
+const Vec3 sun = normalized({0.36f, 0.92f, 0.085f});
+const Vec3 sunlight = Vec3{1.00f, 0.56f, 0.33f} * 1.5f;
 
 Vec3 skyColour(Vec3 direction) {
   const float up = std::max(0.0f, direction.z);
   const float towards = std::max(0.0f, dot(direction, sun));
-  const Vec3 zenith = srgb(0x3a5684) * 0.62f, middle = srgb(0x7d7fa6) * 0.60f, low = srgb(0xe0a086) * 0.62f;
+  const Vec3 zenith = srgb(0x52698f) * 0.50f, middle = srgb(0x8a84a4) * 0.44f, low = srgb(0xdb9a86) * 0.40f;
   Vec3 colour = mix(mix(low, middle, smoothstep(0, 0.10f, up)), zenith, smoothstep(0.04f, 0.36f, up));
   colour += srgb(0xffb27a) * (0.16f * std::pow(towards, 60.0f) + 0.10f * std::pow(towards, 9.0f)) *
             std::exp(-up / 0.12f);
@@ -36,13 +36,62 @@ Vec3 withCirrus(Vec3 colour, Vec3 direction) {
   return mix(colour, colour * 1.05f + srgb(0xf0b0a0) * 0.13f, 0.8f * seen);
 }
 
+/// Share of cloud at a place, 0..1: rolling hills of it, with cauliflower heads.
 float density(Vec3 p, int octaves) {
-  if (p.z > cloudTop + 0.35f || p.z < cloudBase) return 0;
-  const float hills = fbm({p.x / 5.5f, p.y / 5.5f, 0.5f}, 3, seed + 1);
-  const float top = cloudTop - 0.38f + 0.62f * hills;
-  const Vec3 q{p.x / 1.05f, p.y / 1.05f, p.z / 0.8f};
-  const float billow = fbm(q, octaves, seed + 10, 0.52f);
-  return clamp01((top - p.z) / 0.34f + 1.05f * billow);
+  constexpr float soft = 0.30f, relief = 1.0f;
+  if (p.z > cloudTop + 0.4f || p.z < cloudBase) return 0;
+  const float hills = fbm({p.x / 5.2f, p.y / 4.6f, 0.5f}, 3, seed + 1);
+  const float inside = (cloudTop - 0.42f + 0.66f * hills - p.z) / soft;
+  if (inside < -relief) return 0;
+  if (inside > 1 + relief) return 1;
+  Vec3 q{p.x / 1.25f, p.y / 1.25f, p.z / 0.95f};
+  float heads = 0, amplitude = 0.52f;
+  for (int i = 0; i < octaves; ++i) {
+    const float n = noise(q, seed + 10 + static_cast<std::uint32_t>(i));
+    // Rounded upwards and creased between, less so in the finest wisps.
+    const float round = i < 4 ? 0.75f : 0.3f;
+    heads += amplitude * mix(1.3f * n, 3.0f * std::abs(n) - 0.72f, round);
+    amplitude *= 0.53f;
+    q = {2.03f * (0.80f * q.y + 0.60f * q.z) + 17.3f,
+         2.03f * (-0.80f * q.x + 0.36f * q.y - 0.48f * q.z) - 5.9f,
+         2.03f * (-0.60f * q.x - 0.48f * q.y + 0.64f * q.z) + 31.7f};
+  }
+  return clamp01(inside + relief * heads);
+}
+
+/// Light that reaches the camera along `direction` from the cloud, and in `through` the share of the light
+/// from behind the cloud that still does.
+Vec3 cloudLight(Vec3 direction, float jitter, float& through) {
+  through = 1;
+  Vec3 light;
+  if (direction.z > -0.001f) return light;
+  const float towards = std::max(0.0f, dot(direction, sun));
+  // Light goes on mostly forwards in a cloud.
+  const float phase = 0.42f + 0.85f * std::pow(towards, 10.0f);
+  const Vec3 haze = skyColour(normalized({direction.x, direction.y, 0.004f}));
+  float at = (cloudTop + 0.4f - eye) / direction.z;
+  while (through > 0.01f && at < farthest) {
+    const float step = std::max(0.014f, 0.0042f * at);
+    const Vec3 p = Vec3{0, 0, eye} + direction * (at + jitter * step);
+    if (p.z < cloudBase) break;
+    const float here = density(p, at < 6 ? 8 : at < 14 ? 7 : 5);
+    if (here > 0.01f) {
+      float depth = 0;
+      for (int k = 1; k <= 6; ++k) {
+        const float reach = 0.03f * static_cast<float>(k * k);
+        depth += density(p + sun * reach, k < 3 ? 5 : 3) * 0.03f * static_cast<float>(2 * k - 1);
+      }
+      const float direct = 0.70f * std::exp(-7.0f * depth) + 0.30f * std::exp(-1.5f * depth);
+      const float high = smoothstep(0.7f, cloudTop + 0.1f, p.z);
+      const Vec3 ambient = mix(srgb(0x2b3b66) * 0.22f, srgb(0x7685b4) * 0.30f, high);
+      const Vec3 lit = sunlight * (direct * phase * 0.34f) + ambient;
+      const float cover = 1 - std::exp(-here * step * 20);
+      light += mix(lit, haze, 1 - std::exp(-at / 30)) * (through * cover);
+      through *= 1 - cover;
+    }
+    at += step;
+  }
+  return light;
 }
 
 }  // namespace
@@ -52,47 +101,11 @@ Picture dawn(int width, int height) {
   const float focal = 1.75f * static_cast<float>(width), horizon = 0.55f * static_cast<float>(height);
   forEachRow(height, [&](int row) {
     for (int column = 0; column < width; ++column) {
-      const Vec3 direction =
-          normalized({(static_cast<float>(column) + 0.5f - 0.5f * static_cast<float>(width)) / focal, 1,
-                      (horizon - static_cast<float>(row) - 0.5f) / focal});
-      const Vec3 sky = withCirrus(skyColour(direction), direction);
+      const float x = static_cast<float>(column) + 0.5f - 0.5f * static_cast<float>(width);
+      const Vec3 direction = normalized({x / focal, 1, (horizon - static_cast<float>(row) - 0.5f) / focal});
       float through = 1;
-      Vec3 light;
-      if (direction.z < -0.001f) {
-        const float jitter = hashedUnit(column, row, 0, seed);
-        float at = (cloudTop + 0.35f - eye) / direction.z;
-        const float towards = dot(direction, sun);
-        // Light goes on mostly forwards in a cloud, with a little thrown back.
-        const float phase = 0.35f + 0.75f * std::pow(std::max(0.0f, towards), 8.0f) + 0.15f * (1 - towards);
-        const Vec3 hazeColour = skyColour(normalized({direction.x, direction.y, 0.015f}));
-        for (int i = 0; i < 220 && through > 0.01f && at < farthest; ++i) {
-          const float step = std::max(0.022f, 0.0055f * at);
-          const Vec3 p = Vec3{0, 0, eye} + direction * (at + jitter * step);
-          if (p.z < cloudBase) break;
-          const float d = density(p, at < 18 ? 6 : 4);
-          if (d > 0.01f) {
-            float optical = 0;
-            for (int k = 1; k <= 5; ++k) {
-              const float reach = 0.05f * static_cast<float>(k * k);
-              optical += density(p + sun * reach, 3) * 0.05f * static_cast<float>(2 * k - 1);
-            }
-            const float direct = 0.75f * std::exp(-2.6f * optical) + 0.25f * std::exp(-0.7f * optical);
-            const float high = smoothstep(0.5f, cloudTop, p.z);
-            const Vec3 ambient = mix(srgb(0x33456c) * 0.35f, srgb(0x6f7fae) * 0.62f, high);
-            const Vec3 lit = sunlight * (direct * phase * 0.62f) + ambient * 0.55f;
-            const float haze = 1 - std::exp(-at / 26);
-            const float cover = 1 - std::exp(-d * step * 7.5f);
-            light += mix(lit, hazeColour, haze) * (through * cover);
-            through *= 1 - cover;
-          }
-          at += step;
-        }
-        const Vec3 beyond = hazeColour;
-        light += beyond * through;
-      } else {
-        light = sky;
-      }
-      picture.at(column, row) = light;
+      const Vec3 light = cloudLight(direction, hashedUnit(column, row, 0, seed), through);
+      picture.at(column, row) = light + withCirrus(skyColour(direction), direction) * through;
     }
   });
   return picture;

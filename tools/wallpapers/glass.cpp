@@ -9,15 +9,20 @@ constexpr std::uint32_t seed = 4100;
 
 /// The lights behind the pane. Coordinates in widths of the picture from its centre, y down.
 Vec3 behind(float x, float y) {
-  const Vec3 graphite = srgb(0x20262d), steel = srgb(0x8fa6b8), ice = srgb(0xdcecf6);
-  Vec3 light = graphite * mix(0.55f, 1.15f, smoothstep(-1.1f, 1.1f, y));
+  const Vec3 graphite = srgb(0x2b3138), steel = srgb(0x8597a6), ice = srgb(0xd3e2ec);
+  Vec3 light = graphite * mix(0.62f, 1.10f, smoothstep(-1.1f, 1.1f, y));
   // A wide crescent of light: a soft disc with a darker one in front of it.
   const float outer = std::hypot(x - 0.05f, y - 0.30f), inner = std::hypot(x + 0.22f, y - 0.12f);
   const float disc = smoothstep(0.78f, 0.30f, outer), hole = smoothstep(0.46f, 0.72f, inner);
-  light += steel * (0.55f * disc * hole);
-  light += ice * (0.50f * smoothstep(0.66f, 0.50f, outer) * smoothstep(0.52f, 0.86f, inner));
+  light += steel * (0.26f * disc * hole);
+  light += ice * (0.17f * smoothstep(0.66f, 0.50f, outer) * smoothstep(0.52f, 0.86f, inner));
+  // A broad beam from the lower left to the upper right.
+  const float beam = (y + 0.75f * x - 0.42f) / 0.55f;
+  light += steel * (0.05f * std::exp(-beam * beam) * smoothstep(-0.75f, 0.3f, y));
+  const float edge = (x + 0.20f + 0.12f * y) / 0.16f;
+  light += steel * (0.035f * std::exp(-edge * edge) * smoothstep(-1.0f, 0.2f, y));
   // A second, low and cool.
-  light += srgb(0x54718a) * (0.45f * std::exp(-3.2f * std::hypot(x + 0.45f, (y - 1.05f) * 0.8f)));
+  light += srgb(0x54718a) * (0.30f * std::exp(-3.2f * std::hypot(x + 0.45f, (y - 1.05f) * 0.8f)));
   return light;
 }
 
@@ -48,7 +53,7 @@ Picture glass(int width, int height) {
           (c == 0 ? light.x : c == 1 ? light.y : light.z) = c == 0 ? seen.x : c == 1 ? seen.y : seen.z;
         }
         const float edge = t * t * t * t;
-        light = light * (1 - 0.62f * edge * edge);
+        light = light * ((1 - 0.62f * edge * edge) * (1 - 0.22f * t * t));
         // The lit shoulder of each reed.
         const float shoulder = std::exp(-90 * (t + 0.80f) * (t + 0.80f));
         light += srgb(0xbfd3e0) * (0.05f * shoulder * (0.4f + 0.6f * smoothstep(-1.0f, 0.8f, y)));

@@ -50,7 +50,7 @@ void traceColumn(const Camera& camera, float column, int rowsPerPixel, const Hei
     lastY = y;
     // Level ground moves by about two thirds of a row with each step.
     y +=
-        std::min(0.65f * y * y / (camera.focal * camera.eye * static_cast<float>(rowsPerPixel)), 0.0025f * y);
+        std::min(0.65f * y * y / (camera.focal * camera.eye * static_cast<float>(rowsPerPixel)), 0.0004f * y);
   }
 }
 

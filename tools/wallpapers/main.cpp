@@ -14,13 +14,13 @@ struct Wallpaper {
 };
 
 const Wallpaper wallpapers[] = {
-    {"one", dawn, {.exposure = 1, .bloom = 0.10f, .grain = 1.5f}},
-    {"two", night, {.exposure = 1, .bloom = 0.12f, .grain = 1.5f}},
-    {"three", dunes, {.exposure = 1, .bloom = 0.06f, .grain = 1.5f}},
-    {"four", glass, {.exposure = 1, .bloom = 0.08f, .grain = 1.5f}},
+    {"one", dawn, {.exposure = 0.78f, .bloom = 0.10f, .grain = 1.9f}},
+    {"two", night, {.exposure = 1, .bloom = 0.12f, .grain = 1.9f}},
+    {"three", dunes, {.exposure = 1, .bloom = 0.06f, .grain = 1.9f}},
+    {"four", glass, {.exposure = 1, .bloom = 0.08f, .grain = 1.9f}},
 };
 
-constexpr int fullWidth = 1290, fullHeight = 2796, jpegQuality = 92;
+constexpr int fullWidth = 1290, fullHeight = 2796, jpegQuality = 95;
 
 }  // namespace
 

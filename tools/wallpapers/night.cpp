@@ -8,18 +8,21 @@ namespace {
 constexpr std::uint32_t seed = 2200;
 
 /// Where the moon stands behind the ridges, as slopes of the line of sight.
-constexpr float moonX = 0.045f, moonZ = 0.012f;
+constexpr float moonX = 0.05f, moonZ = 0.022f;
+constexpr float eye = 1150;
 
 const Vec3 moonlight = srgb(0xbcd6ee);
 
-/// Mountains without trees, above the valley floor.
+/// Mountains without trees, above the valley floor. They grow with the distance, so that near and far ridges
+/// are equally rich in the picture.
 float mountains(float x, float y) {
-  const float bendX = 900 * noise({x / 4100, y / 4100, 1.5f}, seed);
-  const float bendY = 900 * noise({x / 4100, y / 4100, 6.5f}, seed + 1);
-  const float massif = 0.5f + 0.5f * noise({x / 9000, y / 6500, 2.5f}, seed + 2);
-  const float ridge = ridged({(x + bendX) / 5200, (y + bendY) / 4300, 3.5f}, 7, seed + 3);
-  const float rise = 250 + 0.042f * std::max(0.0f, y - 5000);
-  return rise * 0.9f + (420 + 1250 * massif) * (ridge - 0.35f) * (0.65f + 0.35f * smoothstep(2000, 16000, y));
+  const float px = x * (16000 / (y + 2500) + 0.4f), py = 5200 * std::log(y / 1000) + 0.14f * y;
+  const float bendX = 900 * noise({px / 4100, py / 4100, 1.5f}, seed);
+  const float bendY = 900 * noise({px / 4100, py / 4100, 6.5f}, seed + 1);
+  const float massif = 0.5f + 0.5f * noise({px / 8000, py / 7000, 2.5f}, seed + 2);
+  const float ridge = ridged({(px + bendX) / 5600, (py + bendY) / 4600, 3.5f}, 8, seed + 3);
+  const float far = smoothstep(3000, 26000, y);
+  return 60 + 500 * far + (620 + mix(300.0f, 2100.0f, far) * massif) * (ridge - 0.30f);
 }
 
 /// Conifers: one a cell, a cone each, only where there is soil.
@@ -51,7 +54,7 @@ Vec3 skyColour(float slopeX, float slopeZ) {
   const Vec3 deep = srgb(0x070d22) * 0.75f, low = srgb(0x1d3a66) * 0.80f;
   Vec3 colour = mix(deep, low, std::exp(-up / 0.115f));
   const float away = std::hypot((slopeX - moonX), (slopeZ - moonZ) * 1.15f);
-  colour += moonlight * (0.10f * std::exp(-away / 0.045f) + 0.045f * std::exp(-away / 0.16f));
+  colour += moonlight * (0.13f * std::exp(-away / 0.05f) + 0.06f * std::exp(-away / 0.17f));
   return colour;
 }
 
@@ -75,8 +78,8 @@ Vec3 stars(float slopeX, float slopeZ) {
         const float px = (static_cast<float>(sx) + hashedUnit(sx, sy, layer, seed + 51)) * cell;
         const float py = (static_cast<float>(sy) + hashedUnit(sx, sy, layer, seed + 52)) * cell;
         const float rare = hashedUnit(sx, sy, layer, seed + 53);
-        const float bright = (layer == 0 ? 0.55f : layer == 1 ? 0.20f : 0.08f) * rare * rare * rare;
-        const float away = std::hypot(slopeX - px, slopeZ - py) / 0.00034f;
+        const float bright = (layer == 0 ? 0.60f : layer == 1 ? 0.16f : 0.06f) * rare * rare * rare;
+        const float away = std::hypot(slopeX - px, slopeZ - py) / 0.00026f;
         if (away > 6) continue;
         const float warm = hashedUnit(sx, sy, layer, seed + 54);
         light += mix(srgb(0xa9c4ff), srgb(0xffe6c8), warm * warm) * (bright * std::exp(-0.5f * away * away));
@@ -98,19 +101,19 @@ Vec3 shade(float x, float y, float slopeX, float slopeZ) {
                      smoothstep(0.45f, 0.75f, normal.z);
   const Vec3 albedo = mix(srgb(0x1a2638), srgb(0x7f93ad), snow);
   const Vec3 lit =
-      albedo * (srgb(0x3b5684) * (0.20f * (0.5f + 0.5f * normal.z)) + moonlight * (0.10f * direct));
+      albedo * (srgb(0x3b5684) * (0.55f * (0.5f + 0.5f * normal.z)) + moonlight * (0.40f * direct));
 
   // Mist lies in the valley, densest on its floor; all air scatters a little.
-  const float eye = 1250, depth = 230;
+  const float depth = 210;
   const float drop = eye - z;
   const float path = std::sqrt(1 + slopeX * slopeX + slopeZ * slopeZ) * y;
   const float column = std::abs(drop) < 1 ? std::exp(-z / depth)
                                           : depth * (std::exp(-z / depth) - std::exp(-eye / depth)) / drop;
   const float drift = 1 + 0.8f * fbm({x / 2200, y / 2600, 0.5f}, 4, seed + 31);
-  const float mist = 1 - std::exp(-path * (0.00042f * std::max(0.15f, drift) * column + 0.0000175f));
+  const float mist = 1 - std::exp(-path * (0.0013f * std::max(0.10f, drift) * column + 0.0000175f));
   const Vec3 glow = skyColour(slopeX, std::max(slopeZ, -0.02f) * 0.8f);
   const Vec3 air = glow * 0.82f + srgb(0x17305a) * 0.12f;
-  const Vec3 valley = mix(srgb(0x14284c) * 0.62f, air, smoothstep(3000, 16000, y));
+  const Vec3 valley = mix(srgb(0x24426f) * 0.85f, air, smoothstep(2500, 15000, y));
   return mix(lit, valley, mist);
 }
 
@@ -122,7 +125,7 @@ Picture night(int width, int height_) {
   camera.height = height_;
   camera.focal = 3.0f * static_cast<float>(width);
   camera.horizon = 0.60f * static_cast<float>(height_);
-  camera.eye = 1250;
+  camera.eye = eye;
   camera.near = 2400;
   camera.far = 60000;
   return rendered(camera, 2, height, shade, [](float slopeX, float slopeZ) {
