@@ -48,8 +48,8 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   const QCommandLineOption at(u"at"_s, {}, u"SECONDS"_s);
   const QCommandLineOption soundtrack(u"soundtrack"_s, {}, u"WAV"_s);
   const QCommandLineOption into(u"into"_s, {}, u"DIR"_s);
-  const QCommandLineOption quiet({u"q"_s, u"quiet"_s});
-  const QCommandLineOption help({u"h"_s, u"help"_s});
+  const QCommandLineOption quiet(QStringList{u"q"_s, u"quiet"_s});
+  const QCommandLineOption help(QStringList{u"h"_s, u"help"_s});
   const QCommandLineOption version(u"version"_s);
   QCommandLineParser parser;
   parser.addOptions({still, at, soundtrack, into, quiet, help, version});
