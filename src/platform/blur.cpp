@@ -213,7 +213,7 @@ QImage blurred(const QImage& source, double sigma) {
 
   // A wide blur is done on a small picture. Making it small and large again blurs too: by a box, and by a
   // cubic B-spline, which is four boxes; each has a variance of 1/12.
-  const double reduction = std::max(1.0, sigma / 4);
+  const double reduction = std::max(1.0, sigma / 2.5);
   const int width = std::max(1, static_cast<int>(std::ceil(picture.width() / reduction)));
   const int height = std::max(1, static_cast<int>(std::ceil(picture.height() / reduction)));
   const auto remaining = [&](int large, int small) {

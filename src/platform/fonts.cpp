@@ -27,9 +27,18 @@ struct Families {
   QStringList text, display;
 };
 
+QtMessageHandler handlerBefore = nullptr;
+
+/// Qt looks for a font for some scripts by trying our families in turn, and complains of each that cannot.
+void withoutFontSearch(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+  if (!message.startsWith(QLatin1String("  OpenType support missing for")))
+    handlerBefore(type, context, message);
+}
+
 /// Loads the embedded fonts on first use.
 const Families& systemFamilies() {
   static const Families loaded = [] {
+    handlerBefore = qInstallMessageHandler(withoutFontSearch);
     for (const char* file :
          {"Inter-Regular", "Inter-Medium", "Inter-SemiBold", "Inter-Bold", "InterDisplay-SemiBold"})
       QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/%1.otf").arg(QLatin1String(file)));

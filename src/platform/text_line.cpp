@@ -1,10 +1,11 @@
 #include "platform/text_line.h"
 
+#include "platform/characters.h"
+#include "platform/emoji.h"
+
 #include <QFontMetricsF>
-#include <QTextBoundaryFinder>
 #include <QTextOption>
 #include <algorithm>
-#include <cmath>
 
 namespace brisklet {
 
@@ -29,14 +30,6 @@ bool isLineBreak(QChar c) {
     default:
       return false;
   }
-}
-
-/// Where each character, as a reader sees it, ends: ascending, the last at the text's size.
-std::vector<qsizetype> characterEnds(const QString& text) {
-  std::vector<qsizetype> ends;
-  QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-  for (qsizetype at = finder.toNextBoundary(); at > 0; at = finder.toNextBoundary()) ends.push_back(at);
-  return ends;
 }
 
 /// The text with all in it that cannot be drawn dropped or replaced, line breaks kept; not longer than
@@ -85,18 +78,41 @@ void removeTrailingSpace(QString& text) {
   while (!text.isEmpty() && text.back().isSpace()) text.chop(1);
 }
 
-std::unique_ptr<QTextLayout> laidOut(const QString& text, const QFont& font) {
-  auto layout = std::make_unique<QTextLayout>(text, font);
+/// A layout of the text that has no lines yet.
+std::unique_ptr<QTextLayout> begunLayout(const QString& text, const QFont& font,
+                                         QTextOption::WrapMode wrapping) {
+  const TextWithEmoji shown = withColorEmoji(text, font);
+  auto layout = std::make_unique<QTextLayout>(shown.text, font);
   QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
   option.setTextDirection(Qt::LayoutDirectionAuto);
-  option.setWrapMode(QTextOption::NoWrap);
+  option.setWrapMode(wrapping);
   layout->setTextOption(option);
+  layout->setFormats(shown.formats);
   layout->setCacheEnabled(true);
   layout->beginLayout();
+  return layout;
+}
+
+std::unique_ptr<QTextLayout> lineLayout(const QString& text, const QFont& font) {
+  auto layout = begunLayout(text, font, QTextOption::NoWrap);
   QTextLine line = layout->createLine();
   line.setLineWidth(1e6);
+  line.setPosition({0, -line.ascent()});
   layout->endLayout();
   return layout;
+}
+
+/// Draws a layout with its origin at `at`.
+void drawLayout(QPainter& painter, const QTextLayout& layout, double scale, const QPointF& at,
+                const QColor& color) {
+  painter.save();
+  painter.translate(at);
+  painter.scale(scale, scale);
+  // Coloured glyphs take no colour from the pen, and no transparency either.
+  painter.setOpacity(painter.opacity() * color.alphaF());
+  painter.setPen(QColor(color.rgb()));
+  layout.draw(&painter, QPointF());
+  painter.restore();
 }
 
 }  // namespace
@@ -121,7 +137,7 @@ TextLine::TextLine(const QString& text, const TextStyle& style, double maxWidth)
   const LayoutFont font = layoutFont(style);
   std::unique_ptr<QTextLayout> layout;
   const auto fits = [&](const QString& candidate) {
-    layout = laidOut(candidate, font.font);
+    layout = lineLayout(candidate, font.font);
     width_ = layout->lineAt(0).naturalTextWidth() / font.unitsPerPoint - style.trackingPt;
     return width_ <= maxWidth + widthSlack;
   };
@@ -151,16 +167,8 @@ TextLine::TextLine(const QString& text, const TextStyle& style, double maxWidth)
 }
 
 void TextLine::draw(QPainter& painter, const QPointF& baselineLeft, const QColor& color) const {
-  if (!layout_) return;
-  const double scale = style_.sizePt / layout_->font().pixelSize();
-  painter.save();
-  painter.translate(baselineLeft);
-  painter.scale(scale, scale);
-  // Coloured glyphs take no colour from the pen, and no transparency either.
-  painter.setOpacity(painter.opacity() * color.alphaF());
-  painter.setPen(QColor(color.rgb()));
-  layout_->draw(&painter, QPointF(0, -layout_->lineAt(0).ascent()));
-  painter.restore();
+  if (layout_)
+    drawLayout(painter, *layout_, style_.sizePt / layout_->font().pixelSize(), baselineLeft, color);
 }
 
 TextBlock::TextBlock(const QString& text, const TextStyle& style, double maxWidth) : style_(style) {
@@ -168,37 +176,35 @@ TextBlock::TextBlock(const QString& text, const TextStyle& style, double maxWidt
   QString all = drawable(text, maxLength);
   all.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
   std::replace_if(all.begin(), all.end(), isLineBreak, QChar(QChar::LineSeparator));
+  if (all.isEmpty()) return;
 
   const LayoutFont font = layoutFont(style);
-  QTextLayout layout(all, font.font);
-  QTextOption option;
-  option.setTextDirection(Qt::LayoutDirectionAuto);
-  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-  layout.setTextOption(option);
-  layout.beginLayout();
-  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-    // The tracking after a line's last character does not count.
-    line.setLineWidth((maxWidth + style.trackingPt + widthSlack) * font.unitsPerPoint);
-    QString part = all.mid(line.textStart(), line.textLength());
-    removeTrailingSpace(part);
-    lines_.emplace_back(part, style);
+  // The tracking after a line's last character does not count.
+  const double tracking = style.trackingPt * font.unitsPerPoint;
+  const double widest = std::min(1e6, (maxWidth + widthSlack) * font.unitsPerPoint + tracking);
+  auto layout = begunLayout(all, font.font, QTextOption::WrapAtWordBoundaryOrAnywhere);
+  double baseline = QFontMetricsF(font.font).ascent();
+  for (QTextLine line = layout->createLine(); line.isValid(); line = layout->createLine()) {
+    line.setLineWidth(widest);
+    const double width = line.naturalTextWidth() - tracking;
+    line.setPosition({-width / 2, baseline - line.ascent()});
+    baseline += lineHeight(style) * font.unitsPerPoint;
+    width_ = std::max(width_, width / font.unitsPerPoint);
   }
-  layout.endLayout();
+  layout->endLayout();
+  layout_ = std::move(layout);
+}
+
+int TextBlock::lineCount() const {
+  return layout_ ? std::max(1, layout_->lineCount()) : 1;
 }
 
 QSizeF TextBlock::size() const {
-  double width = 0;
-  for (const TextLine& line : lines_) width = std::max(width, line.width());
-  return {width, static_cast<double>(std::max<std::size_t>(1, lines_.size())) * lineHeight(style_)};
+  return {width_, lineCount() * lineHeight(style_)};
 }
 
 void TextBlock::draw(QPainter& painter, const QPointF& topCenter, const QColor& color) const {
-  const double height = lineHeight(style_);
-  double baseline = topCenter.y() + lineAscent(style_);
-  for (const TextLine& line : lines_) {
-    line.draw(painter, {topCenter.x() - line.width() / 2, baseline}, color);
-    baseline += height;
-  }
+  if (layout_) drawLayout(painter, *layout_, style_.sizePt / layout_->font().pixelSize(), topCenter, color);
 }
 
 }  // namespace brisklet

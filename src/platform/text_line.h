@@ -8,7 +8,6 @@
 #include <QTextLayout>
 #include <limits>
 #include <memory>
-#include <vector>
 
 #include "platform/fonts.h"
 
@@ -53,14 +52,15 @@ class TextBlock {
 
   /// The width of the widest line, and the height of all lines; an empty text is one line high.
   [[nodiscard]] QSizeF size() const;
-  [[nodiscard]] qsizetype lineCount() const { return static_cast<qsizetype>(lines_.size()); }
+  [[nodiscard]] int lineCount() const;
 
-  /// Draws the lines centred on `top`.
+  /// Draws the lines downwards from `topCenter`, each centred on it.
   void draw(QPainter& painter, const QPointF& topCenter, const QColor& color) const;
 
  private:
-  std::vector<TextLine> lines_;
+  std::shared_ptr<const QTextLayout> layout_;  // shared as that of a line is
   TextStyle style_;
+  double width_ = 0;
 };
 
 }  // namespace brisklet
