@@ -4,12 +4,9 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <cstdio>
 #include <span>
-#include <string_view>
 
 #include "platform/codec_handles.h"
 #include "platform/movie_failure.h"
@@ -51,16 +48,9 @@ class Output {
  private:
   static int write(void* self, uint8_t* data, int bytes) {
     auto& output = *static_cast<Output*>(self);
-    int written = 0;
-    while (output.fd_ != nowhere && written < bytes) {
-      const ssize_t count = ::pwrite(output.fd_, data + written, static_cast<size_t>(bytes - written),
-                                     output.position_ + written);
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) {
-        output.failure_ = errno;
-        return AVERROR(errno);
-      }
-      written += static_cast<int>(count);
+    if (output.fd_ != nowhere) {
+      output.failure_ = writeAt(output.fd_, {data, static_cast<size_t>(bytes)}, output.position_);
+      if (output.failure_ != 0) return AVERROR(output.failure_);
     }
     output.position_ += bytes;
     return bytes;
@@ -227,13 +217,10 @@ int64_t mux(Output& output, const Mp4VideoTrack& video, const Mp4AudioTrack* aud
 }  // namespace
 
 void beginMp4(int fd) {
-  constexpr std::string_view fileType(
-      "\0\0\0\x20"
-      "ftypisom\0\0\2\0isomiso2avc1mp41",
-      32);
-  const ssize_t written = ::pwrite(fd, fileType.data(), fileType.size(), 0);
-  if (written != static_cast<ssize_t>(fileType.size()))
-    throw MovieFailure(systemCause(written < 0 ? errno : ENOSPC));
+  constexpr uint8_t fileType[] = {0,   0,   0,   32,  'f', 't', 'y', 'p', 'i', 's', 'o',
+                                  'm', 0,   0,   2,   0,   'i', 's', 'o', 'm', 'i', 's',
+                                  'o', '2', 'a', 'v', 'c', '1', 'm', 'p', '4', '1'};
+  if (const int failure = writeAt(fd, fileType, 0)) throw MovieFailure(systemCause(failure));
 }
 
 void writeMp4(int fd, const Mp4VideoTrack& video, const Mp4AudioTrack* audio) {

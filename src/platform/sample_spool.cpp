@@ -34,14 +34,8 @@ void SampleSpool::append(std::span<const uint8_t> data, int64_t time, int64_t du
 
 void SampleSpool::spill() {
   if (!file_) file_ = namelessFile(folder_);
-  size_t written = 0;
-  while (written < recent_.size()) {
-    const ssize_t count = ::write(file_.get(), recent_.data() + written, recent_.size() - written);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw MovieFailure(systemCause(errno));
-    written += static_cast<size_t>(count);
-  }
-  fileBytes_ += static_cast<int64_t>(written);
+  if (const int failure = writeAt(file_.get(), recent_, fileBytes_)) throw MovieFailure(systemCause(failure));
+  fileBytes_ += static_cast<int64_t>(recent_.size());
   recent_.clear();
 }
 

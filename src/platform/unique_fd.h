@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cstdint>
+#include <span>
 #include <utility>
 
 namespace brisklet {
@@ -27,5 +29,8 @@ class UniqueFd {
  private:
   int fd_ = -1;
 };
+
+/// Writes all of `data` to that place of a file. Returns 0 or the `errno` that ended it.
+[[nodiscard]] int writeAt(int fd, std::span<const uint8_t> data, int64_t offset);
 
 }  // namespace brisklet

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+namespace brisklet {
+
+/// 8-bit 4:2:0 as the decoder gave it, limited range, BT.709.
+struct DecodedPicture {
+  int width = 0;
+  int height = 0;
+  QByteArray luma;  // rows without gaps
+  QByteArray cb;    // half the width, half the height
+  QByteArray cr;
+
+  [[nodiscard]] int y(int x, int row) const;
+  [[nodiscard]] int cbAt(int x, int row) const;
+  [[nodiscard]] int crAt(int x, int row) const;
+  [[nodiscard]] QColor rgb(int x, int row) const;
+
+  bool operator==(const DecodedPicture&) const = default;
+};
+
+/// A movie file, read and decoded by libav.
+struct DecodedMovie {
+  struct Frame {
+    /// In units of 1 / 30 s; -1 if the time is no whole number of them.
+    qint64 time = 0;
+    bool isKey = false;
+    /// Index into `pictures`; frames in a row that decode to equal pictures share one.
+    std::size_t picture = 0;
+    qint64 bytes = 0;
+  };
+  std::vector<Frame> frames;
+  std::vector<DecodedPicture> pictures;
+
+  int width = 0;
+  int height = 0;
+  QString videoCodec;  // "h264"
+  QString profile;     // "High"
+  int level = 0;       // 50 is 5.0
+  /// Format, range, primaries, transfer and matrix: "yuv420p tv bt709 bt709 bt709".
+  QString colour;
+  /// The same as far as the container says it on its own: primaries, transfer, matrix, full range (`colr`).
+  std::vector<int> containerColour;
+  int sequenceParameterSets = 0;
+  int pictureParameterSets = 0;
+  /// The NAL unit types that occur in the samples, in ascending order.
+  std::vector<int> nalTypes;
+
+  bool hasAudio = false;
+  QString audioCodec;  // "aac"
+  QString audioProfile;
+  int sampleRate = 0;
+  /// Samples of each channel, +-1, sample 0 at time 0 of the movie. What comes before is not heard.
+  std::vector<std::vector<float>> channels;
+
+  QStringList boxes;  // of the file, in order
+  /// How far the tracks are apart at the worst place of the file, in seconds: what a player must read ahead.
+  double interleavingGap = 0;
+
+  /// The frames whose picture differs from the one before.
+  [[nodiscard]] std::vector<qint64> changes() const;
+  [[nodiscard]] const DecodedPicture& pictureAt(std::size_t frame) const {
+    return pictures.at(frames.at(frame).picture);
+  }
+};
+
+/// Throws `std::runtime_error` for anything that a strict decoder objects to.
+[[nodiscard]] DecodedMovie decodedMovie(const QString& path, int decoderThreads = 1);
+
+/// The picture that a player shows first after seeking to a time.
+[[nodiscard]] DecodedPicture pictureAfterSeek(const QString& path, double seconds);
+
+/// The peak signal-to-noise ratio of the luma, in dB, against the picture that was painted; 100 if equal.
+[[nodiscard]] double lumaPsnr(const DecodedPicture& decoded, const QImage& painted);
+
+}  // namespace brisklet
