@@ -43,12 +43,6 @@ float envelope(float gain, double seconds, double decaySeconds) {
   return gain * std::pow(envelopeFloor / gain, static_cast<float>((seconds - attackSeconds) / decaySeconds));
 }
 
-/// A float sample as a 16-bit one. This is the only clipping.
-qint16 pcm16(float sample) {
-  const float scaled = sample < 1.0f ? std::max(sample, -1.0f) * integerFullScale : integerFullScale;
-  return static_cast<qint16>(scaled);
-}
-
 /// `mono` as 16-bit little-endian samples, each written for every channel.
 QByteArray interleaved(std::span<const float> mono, qsizetype channels) {
   QByteArray pcm(static_cast<qsizetype>(mono.size()) * channels * 2, Qt::Uninitialized);
@@ -61,6 +55,11 @@ QByteArray interleaved(std::span<const float> mono, qsizetype channels) {
 }
 
 }  // namespace
+
+qint16 pcm16(float sample) {
+  const float scaled = sample < 1.0f ? std::max(sample, -1.0f) * integerFullScale : integerFullScale;
+  return static_cast<qint16>(scaled);
+}
 
 const Tone& tone(const QString& appId) {
   static const std::vector<std::pair<QString, Tone>> table{

@@ -33,6 +33,9 @@ struct Tone {
 /// The tone of an app id; ids without one of their own share one.
 [[nodiscard]] const Tone& tone(const QString& appId);
 
+/// A sample (full scale +-1) as a 16-bit one, clipped: the only clipping there is.
+[[nodiscard]] qint16 pcm16(float sample);
+
 /// Adds the app's tone to mono samples at 44100 Hz (full scale +-1, not clipped), starting `atMs`
 /// milliseconds after the first sample. Samples that fall outside `buffer` are dropped. `atMs` must be
 /// finite.

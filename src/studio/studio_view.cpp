@@ -276,6 +276,7 @@ void StudioView::syncPlayer() {
 
 void StudioView::play() {
   if (!canPlay()) return;
+  if (services_.tones) services_.tones->prepare();
   syncPlayer();
   player_->play();
 }

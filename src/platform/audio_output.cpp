@@ -1,0 +1,176 @@
+#include "platform/audio_output.h"
+
+#include <pulse/pulseaudio.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <thread>
+#include <utility>
+
+namespace brisklet {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::uint32_t bytesFor(int milliseconds) {
+  return static_cast<std::uint32_t>(AudioSource::sampleRate * milliseconds / 1000) * sizeof(qint16);
+}
+
+/// Between a sample's being asked for and its being heard. Shorter, and a busy machine leaves gaps.
+constexpr std::uint32_t latencyBytes = bytesFor(40);
+constexpr std::uint32_t requestBytes = bytesFor(5);
+/// So much silence after the last sound, and the stream is closed. Sound long before that has been heard.
+constexpr std::size_t restAfterSamples = 5 * AudioSource::sampleRate;
+/// A device that keeps its source waiting longer than this has missed the moment of what waits.
+constexpr auto longestWait = std::chrono::milliseconds(400);
+
+struct FreeLoop {
+  void operator()(pa_mainloop* loop) const { pa_mainloop_free(loop); }
+};
+struct FreeContext {
+  void operator()(pa_context* context) const {
+    pa_context_set_state_callback(context, nullptr, nullptr);
+    pa_context_disconnect(context);
+    pa_context_unref(context);
+  }
+};
+struct FreeStream {
+  void operator()(pa_stream* stream) const {
+    pa_stream_set_state_callback(stream, nullptr, nullptr);
+    pa_stream_set_write_callback(stream, nullptr, nullptr);
+    pa_stream_disconnect(stream);
+    pa_stream_unref(stream);
+  }
+};
+
+/// A PulseAudio client (PipeWire serves them too) on a thread of its own. Every call of the client library is
+/// made there, and all of them are asynchronous, so that a server that hangs or dies blocks nobody.
+class PulseOutput final : public AudioOutput {
+ public:
+  explicit PulseOutput(AudioSource& source) : source_(source), loop_(pa_mainloop_new()) {
+    if (loop_) thread_ = std::thread([this] { run(); });
+  }
+
+  ~PulseOutput() override {
+    quits_ = true;
+    if (!loop_) return;
+    pa_mainloop_wakeup(loop_.get());
+    thread_.join();
+  }
+
+  void wake() override {
+    isWanted_ = true;
+    if (loop_) pa_mainloop_wakeup(loop_.get());
+  }
+
+ private:
+  void run() {
+    while (!quits_) {
+      if (isWanted_.exchange(false)) {
+        silentSamples_ = 0;
+        open();
+      }
+      if (hasFailed_) close();
+      if (silentSamples_ >= restAfterSamples) stream_.reset();
+      if (pa_mainloop_iterate(loop_.get(), 1, nullptr) < 0) break;
+      if (hasFailed_) close();
+    }
+    close();
+  }
+
+  /// Takes the next step towards a stream; the callbacks take the others.
+  void open() {
+    if (stream_) return;
+    if (!context_) {
+      waitingSince_ = Clock::now();
+      context_.reset(pa_context_new(pa_mainloop_get_api(loop_.get()), "Brisklet"));
+      pa_context_set_state_callback(context_.get(), contextStateChanged, this);
+      hasFailed_ |= pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0;
+    } else if (pa_context_get_state(context_.get()) == PA_CONTEXT_READY) {
+      openStream();
+    }
+  }
+
+  void openStream() {
+    const pa_sample_spec format{.format = PA_SAMPLE_S16NE, .rate = AudioSource::sampleRate, .channels = 1};
+    stream_.reset(pa_stream_new(context_.get(), "Notification tones", &format, nullptr));
+    if (!stream_) {
+      hasFailed_ = true;
+      return;
+    }
+    pa_stream_set_state_callback(stream_.get(), streamStateChanged, this);
+    pa_stream_set_write_callback(stream_.get(), samplesRequested, this);
+    constexpr auto serversChoice = static_cast<std::uint32_t>(-1);
+    // Playing starts, and starts again after a gap, when the buffer is full: no sample is lost.
+    const pa_buffer_attr buffer{.maxlength = serversChoice,
+                                .tlength = latencyBytes,
+                                .prebuf = serversChoice,
+                                .minreq = requestBytes,
+                                .fragsize = serversChoice};
+    waitingSince_ = Clock::now();
+    hasFailed_ |= pa_stream_connect_playback(stream_.get(), nullptr, &buffer, PA_STREAM_ADJUST_LATENCY,
+                                             nullptr, nullptr) < 0;
+  }
+
+  /// Back to rest, without a connection: the next `wake` makes a new one.
+  void close() {
+    hasFailed_ = false;
+    stream_.reset();
+    context_.reset();
+    source_.skipWaiting();
+  }
+
+  static void contextStateChanged(pa_context* context, void* self) {
+    auto& output = *static_cast<PulseOutput*>(self);
+    const pa_context_state_t state = pa_context_get_state(context);
+    if (!PA_CONTEXT_IS_GOOD(state)) output.hasFailed_ = true;
+    if (state == PA_CONTEXT_READY) output.openStream();
+  }
+
+  static void streamStateChanged(pa_stream* stream, void* self) {
+    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream))) static_cast<PulseOutput*>(self)->hasFailed_ = true;
+  }
+
+  static void samplesRequested(pa_stream* stream, std::size_t bytes, void* self) {
+    static_cast<PulseOutput*>(self)->write(stream, bytes);
+  }
+
+  void write(pa_stream* stream, std::size_t bytes) {
+    const auto now = Clock::now();
+    if (now - std::exchange(waitingSince_, now) > longestWait) source_.skipWaiting();
+    while (bytes >= sizeof(qint16)) {
+      void* data = nullptr;
+      std::size_t room = bytes;
+      if (pa_stream_begin_write(stream, &data, &room) < 0 || room < sizeof(qint16)) break;
+      const std::size_t samples = std::min(room, bytes) / sizeof(qint16);
+      const bool sounds = source_.next({static_cast<qint16*>(data), samples});
+      silentSamples_ = sounds ? 0 : silentSamples_ + samples;
+      if (pa_stream_write(stream, data, samples * sizeof(qint16), nullptr, 0, PA_SEEK_RELATIVE) < 0) break;
+      bytes -= samples * sizeof(qint16);
+    }
+  }
+
+  AudioSource& source_;
+  const std::unique_ptr<pa_mainloop, FreeLoop> loop_;
+  std::atomic<bool> isWanted_ = false;
+  std::atomic<bool> quits_ = false;
+
+  // The thread's own.
+  std::unique_ptr<pa_context, FreeContext> context_;
+  std::unique_ptr<pa_stream, FreeStream> stream_;
+  bool hasFailed_ = false;
+  std::size_t silentSamples_ = 0;
+  Clock::time_point waitingSince_;
+
+  std::thread thread_;
+};
+
+}  // namespace
+
+std::unique_ptr<AudioOutput> makeAudioOutput(AudioSource& source) {
+  return std::make_unique<PulseOutput>(source);
+}
+
+}  // namespace brisklet

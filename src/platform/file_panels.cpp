@@ -1,0 +1,116 @@
+#include "platform/file_panels.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QObject>
+#include <QStandardPaths>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace brisklet {
+
+namespace {
+
+/// "Photos (*.jpg *.JPG *.png *.PNG)": some desktops match patterns by case.
+QString nameFilter(const QString& kind, const QStringList& suffixes) {
+  QStringList patterns;
+  for (const QString& suffix : suffixes) patterns << u"*."_s + suffix << u"*."_s + suffix.toUpper();
+  return u"%1 (%2)"_s.arg(kind, patterns.join(u' '));
+}
+
+QString standardFolder(QStandardPaths::StandardLocation location) {
+  const QString folder = QStandardPaths::writableLocation(location);
+  return QFileInfo(folder).isDir() ? folder : QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+}
+
+class DesktopFilePanels final : public QObject, public FilePanels {
+ public:
+  explicit DesktopFilePanels(QWidget* window)
+      : window_(window),
+        saveFolder_(standardFolder(QStandardPaths::MoviesLocation)),
+        openFolder_(standardFolder(QStandardPaths::PicturesLocation)) {}
+
+  void save(const SavePanel& panel, Done done) override {
+    QFileDialog* dialog = makeDialog(panel.title, saveFolder_, panel.kind, {panel.suffix});
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setDefaultSuffix(panel.suffix);
+    dialog->selectFile(panel.proposedName);
+    show(dialog, [this, panel, done = std::move(done)](const std::optional<QString>& path) {
+      if (path)
+        finishSaving(panel, *path, done);
+      else
+        done({});
+    });
+  }
+
+  void open(const OpenPanel& panel, Done done) override {
+    QFileDialog* dialog = makeDialog(panel.title, openFolder_, panel.kind, panel.suffixes);
+    dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    show(dialog, [this, done = std::move(done)](const std::optional<QString>& path) {
+      if (path) openFolder_ = QFileInfo(*path).absolutePath();
+      done(path);
+    });
+  }
+
+ private:
+  QFileDialog* makeDialog(const QString& title, const QString& folder, const QString& kind,
+                          const QStringList& suffixes) {
+    auto* dialog = new QFileDialog(window_, title, folder);
+    dialog->setOption(QFileDialog::HideNameFilterDetails);
+    dialog->setNameFilter(nameFilter(kind, suffixes));
+    return dialog;
+  }
+
+  /// Modal to the window, without an event loop of its own.
+  void show(QFileDialog* dialog, Done done) {
+    connect(dialog, &QDialog::finished, this, [dialog, done = std::move(done)](int result) {
+      dialog->deleteLater();
+      const QStringList files = dialog->selectedFiles();
+      if (result == QDialog::Accepted && !files.isEmpty() && !files.first().isEmpty())
+        done(files.first());
+      else
+        done({});
+    });
+    dialog->open();
+  }
+
+  /// Completes the name. The dialog has asked about replacing the file of the name that was typed, so only
+  /// the file of a completed one remains to be asked about.
+  void finishSaving(const SavePanel& panel, const QString& chosen, const Done& done) {
+    saveFolder_ = QFileInfo(chosen).absolutePath();
+    const QString ending = u'.' + panel.suffix;
+    if (chosen.endsWith(ending, Qt::CaseInsensitive)) return done(chosen);
+    const QString path = chosen + ending;
+    if (!QFileInfo::exists(path)) return done(path);
+
+    const QString name = QFileInfo(path).fileName();
+    auto* question = new QMessageBox(QMessageBox::Warning, panel.title,
+                                     u"%1 already exists.\nDo you want to replace it?"_s.arg(name),
+                                     QMessageBox::Yes | QMessageBox::No, window_);
+    question->setDefaultButton(QMessageBox::No);
+    connect(question, &QDialog::finished, this, [this, question, panel, path, name, done](int answer) {
+      question->deleteLater();
+      if (answer == QMessageBox::Yes) return done(path);
+      SavePanel again = panel;
+      again.proposedName = name;
+      save(again, done);
+    });
+    question->open();
+  }
+
+  QWidget* window_;
+  QString saveFolder_;
+  QString openFolder_;
+};
+
+}  // namespace
+
+std::unique_ptr<FilePanels> makeFilePanels(QWidget* window) {
+  return std::make_unique<DesktopFilePanels>(window);
+}
+
+}  // namespace brisklet
