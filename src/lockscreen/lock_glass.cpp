@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 
 #include "lockscreen/float_plane.h"
 #include "platform/continuous_corners.h"
@@ -31,7 +32,7 @@ struct Look {
 };
 
 constexpr Look materialLook{.blur = 20,
-                            .saturation = 1.5F,
+                            .saturation = 1.4F,
                             .bendDepth = 0,
                             .bend = 0,
                             .hairline = 0.7,
@@ -45,7 +46,7 @@ constexpr Look materialLook{.blur = 20,
                             .shadowBlur = 9,
                             .shadowOffset = 4};
 
-constexpr Look regularLook{.blur = 6,
+constexpr Look regularLook{.blur = 8,
                            .saturation = 1.4F,
                            .bendDepth = 14,
                            .bend = 22,
@@ -71,7 +72,7 @@ constexpr float lightX = -0.42F, lightY = -0.9075F;
 constexpr double flowDistance = 10, shadowReach = 27;
 
 /// Steps of depth and distance a pixel in the tables of light and shadow.
-constexpr int stepsPerPixel = 4;
+constexpr int stepsPerPixel = 16;
 
 /// Points a cell of the grid on which the backdrop is blurred.
 constexpr double gridStep = 2;
@@ -87,8 +88,8 @@ float luminance(float red, float green, float blue) {
 /// The brightness of a plate over a backdrop of this brightness: lifted in the dark, level where white text
 /// would begin to fade.
 float plateLuma(float luma) {
-  const float lifted = 0.105F + 0.87F * luma;
-  const float ceiling = 0.43F + 0.03F * luma;
+  const float lifted = 0.12F + 0.88F * luma;
+  const float ceiling = 0.435F + 0.03F * luma;
   constexpr float knee = 0.22F;
   const float near = std::max(knee - std::abs(lifted - ceiling), 0.0F) / knee;
   return std::min(lifted, ceiling) - near * near * knee / 4;
@@ -108,11 +109,13 @@ struct PlateColor {
 /// What a plate makes of a blurred backdrop colour.
 PlateColor plateColor(float red, float green, float blue, float saturation) {
   // A little above 3:1, for the light along the rim and the rounding to eight bits.
-  constexpr float leastContrast = 3.25F;
+  constexpr float leastContrast = 3.15F;
   const float luma = 0.2126F * red + 0.7152F * green + 0.0722F * blue;
   const float level = plateLuma(luma);
-  // Colours that would leave the gamut lose saturation, not hue.
-  float chroma = saturation;
+  // A darkened colour keeps its saturation by keeping the ratio of its channels, not their distance, and a
+  // frosted one looks right with a little less. Colours that would leave the gamut lose saturation, not hue.
+  const float dimming = std::min(1.0F, level / std::max(luma, 0.01F));
+  float chroma = saturation * std::pow(dimming, 1.3F);
   for (const float offset : {red - luma, green - luma, blue - luma}) {
     if (level + chroma * offset > 1) chroma = (1 - level) / offset;
     if (level + chroma * offset < 0) chroma = -level / offset;
@@ -134,12 +137,107 @@ PlateColor plateColor(float red, float green, float blue, float saturation) {
   return dimmed(dark);
 }
 
+/// A share of 0 to 1 as 16-bit fixed point.
+std::uint16_t fixedShare(float share) {
+  return std::uint16_t(share * 65535 + 0.5F);
+}
+
+/// Dither of a row of pixels as 8.8 fixed point, each value for the four bytes of a pixel.
+std::array<std::uint16_t, 32> ditherRow(int firstX, int y) {
+  std::array<std::uint16_t, 32> row;
+  for (int i = 0; i < 32; ++i) row[std::size_t(i)] = std::uint16_t(ditherAt(firstX + i / 4, y) * 256);
+  return row;
+}
+
+/// The sum of two bytes at shares in 16-bit fixed point and an 8.8 value, cut to a byte. It fits, since the
+/// shares of all that is mixed add up to one at most and the dither stays below one.
+uchar mixed(uchar one, std::uint16_t oneShare, uchar other, std::uint16_t otherShare, std::uint16_t added) {
+  const auto high = [](uchar byte, std::uint16_t share) {
+    return std::uint16_t(std::uint32_t(byte) * share >> 8);
+  };
+  return uchar(std::uint16_t(high(one, oneShare) + high(other, otherShare) + added) >> 8);
+}
+
+/// Sets the target's pixels from `begin` to `end` to shares of the source, of what is there, and of white.
+void blendEvenly(QRgb* target, const QRgb* source, int begin, int end, int y, float sourceShare,
+                 float targetShare, float white) {
+  const std::uint16_t one = fixedShare(sourceShare), other = fixedShare(targetShare);
+  std::array<std::uint16_t, 32> added = ditherRow(begin, y);
+  for (std::uint16_t& value : added) value = std::uint16_t(value + white * (255 * 256));
+  const auto* from = reinterpret_cast<const uchar*>(source + begin);
+  auto* to = reinterpret_cast<uchar*>(target + begin);
+  const int bytes = 4 * (end - begin);
+  int i = 0;
+  for (; i + 32 <= bytes; i += 32) {
+    for (int k = 0; k < 32; ++k) to[i + k] = mixed(from[i + k], one, to[i + k], other, added[std::size_t(k)]);
+  }
+  for (; i < bytes; ++i) to[i] = mixed(from[i], one, to[i], other, added[std::size_t(i % 32)]);
+  for (int x = begin; x < end; ++x) target[x] |= 0xff000000;
+}
+
+void accumulate(std::vector<std::uint16_t>& sum, const QRgb* row, int weight) {
+  const auto* bytes = reinterpret_cast<const uchar*>(row);
+  for (std::size_t i = 0; i < sum.size(); ++i) sum[i] = std::uint16_t(sum[i] + bytes[i] * weight);
+}
+
 /// The share of a Gaussian edge's far side, for a distance in standard deviations.
 double gaussianTail(double distance) {
   return 0.5 * std::erfc(distance / std::sqrt(2.0));
 }
 
 }  // namespace
+
+/// Pixels of a row before they are blended: what shows through, and its share, that of what is there, and
+/// that of white.
+struct LockGlass::RowMix {
+  explicit RowMix(std::size_t pixels) : sources(pixels), one(pixels), other(pixels), added(pixels) {}
+
+  // The four bytes of a pixel have the same shares: each is stored four times over.
+  static std::uint64_t fourTimes(std::uint16_t value) { return value * 0x0001000100010001ULL; }
+
+  void set(std::size_t at, QRgb source, float sourceShare, float targetShare, float white) {
+    sources[at] = source;
+    one[at] = fourTimes(fixedShare(sourceShare));
+    other[at] = fourTimes(fixedShare(targetShare));
+    added[at] = fourTimes(std::uint16_t(white * (255 * 256)));
+  }
+
+  /// Blends `count` pixels from `begin` on into the row's pixels from `x` on, those that it has.
+  void blend(QRgb* target, int width, int x, int y, int begin, int count) const {
+    const int skipped = std::max(0, -x);
+    count = std::min(count, width - x) - skipped;
+    if (count <= 0) return;
+    const auto from = std::size_t(begin + skipped);
+    const auto* bytes = reinterpret_cast<const uchar*>(sources.data() + from);
+    const auto* ones = reinterpret_cast<const std::uint16_t*>(one.data() + from);
+    const auto* others = reinterpret_cast<const std::uint16_t*>(other.data() + from);
+    const auto* whites = reinterpret_cast<const std::uint16_t*>(added.data() + from);
+    const std::array<std::uint16_t, 32> dither = ditherRow(x + skipped, y);
+    auto* out = reinterpret_cast<uchar*>(target + x + skipped);
+    const int size = 4 * count;
+    int i = 0;
+    for (; i + 32 <= size; i += 32) {
+      for (int k = i; k < i + 32; ++k)
+        out[k] = mixed(bytes[k], ones[k], out[k], others[k],
+                       std::uint16_t(whites[k] + dither[std::size_t(k - i)]));
+    }
+    for (; i < size; ++i)
+      out[i] =
+          mixed(bytes[i], ones[i], out[i], others[i], std::uint16_t(whites[i] + dither[std::size_t(i % 32)]));
+    for (int k = 0; k < count; ++k) target[x + skipped + k] |= 0xff000000;
+  }
+
+  std::vector<QRgb> sources;
+  std::vector<std::uint64_t> one, other, added;
+};
+
+/// What painting a row works on.
+struct LockGlass::Scratch {
+  explicit Scratch(int columns) : mix(std::size_t(2 * columns)) {}
+
+  FieldRow above, here, below, shadow;
+  RowMix mix;
+};
 
 QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle style) {
   const Look& look = lookOf(style);
@@ -279,6 +377,11 @@ void LockGlass::buildLight(double pixelsPerPoint, GlassStyle style) {
   farLight_ = look.farLight;
 }
 
+void LockGlass::setFar(FieldRow& row) const {
+  row.side.assign(std::size_t(columns_), float(margin_));
+  row.middle = float(margin_);
+}
+
 bool LockGlass::fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const {
   bool any = false;
   row.side.resize(std::size_t(columns_));
@@ -311,123 +414,115 @@ bool LockGlass::fieldRow(double y, std::span<const GlassPlate> plates, FieldRow&
   return any;
 }
 
-/// Paints pixels of one row.
-struct LockGlass::RowPainter {
-  const LockGlass& glass;
-  const QImage& backdrop;
-  QRgb* target;
-  int y;
+void LockGlass::light(float distance, float shadowDistance, Column& column) const {
+  const auto shadowIndex = int((shadowDistance + float(margin_)) * stepsPerPixel + 0.5F);
+  const float around = 1 - shadow_[std::size_t(std::clamp(shadowIndex, 0, int(shadow_.size()) - 1))];
+  column.cover = std::clamp(0.5F - distance, 0.0F, 1.0F);
+  column.around = around * (1 - column.cover);
+  const auto index = std::size_t(std::max(0.0F, -distance) * stepsPerPixel + 0.5F);
+  column.depth = column.cover > 0 && index < depths_.size() ? &depths_[index] : nullptr;
+}
 
-  [[nodiscard]] float shadowAt(float distance) const {
-    const auto index = int(distance * stepsPerPixel) + glass.margin_ * stepsPerPixel;
-    return glass.shadow_[std::size_t(std::clamp(index, 0, int(glass.shadow_.size()) - 1))];
-  }
+LockGlass::Shine LockGlass::shine(const Depth& depth, float outX, float outY) const {
+  const float facing = outX * lightX + outY * lightY;
+  const float square = facing * facing;
+  const float rim = baseLight_ + square * (facing > 0 ? nearLight_ : farLight_);
+  const float white = depth.hairline * rim + depth.glow * (facing > 0 ? 0.35F + 0.65F * square : 0.35F);
+  const float black = facing < 0 ? depth.shade * square : 0.0F;
+  return {(1 - white) * (1 - black), white};
+}
 
-  static QRgb darkened(QRgb color, float amount, float dither) {
-    const float keep = 1 - amount;
-    return qRgb(int(float(qRed(color)) * keep + dither), int(float(qGreen(color)) * keep + dither),
-                int(float(qBlue(color)) * keep + dither));
-  }
-
-  /// `outX`, `outY`: the direction in which the outline lies.
-  void paint(int x, float distance, float outX, float outY, float shadowDistance) const {
-    const float dither = ditherAt(x, y);
-    if (distance >= 0.5F) {
-      const float shadow = shadowAt(shadowDistance);
-      if (shadow > 0) target[x] = darkened(target[x], shadow, dither);
-      return;
-    }
-    const float depth = std::max(0.0F, -distance);
-    const auto index = std::size_t(depth * stepsPerPixel);
-    if (index >= glass.depths_.size()) {
-      target[x] = reinterpret_cast<const QRgb*>(backdrop.constScanLine(y))[x];
-      return;
-    }
-    const Depth& light = glass.depths_[index];
-    int fromX = x, fromY = y;
-    if (light.bend > 0) {
-      fromX = std::clamp(x - int(std::lround(outX * light.bend)), 0, backdrop.width() - 1);
-      fromY = std::clamp(y - int(std::lround(outY * light.bend)), 0, backdrop.height() - 1);
-    }
-    const QRgb behind = reinterpret_cast<const QRgb*>(backdrop.constScanLine(fromY))[fromX];
-    const float facing = outX * lightX + outY * lightY;
-    const float square = facing * facing;
-    const float rim = glass.baseLight_ + square * (facing > 0 ? glass.nearLight_ : glass.farLight_);
-    const float white = light.hairline * rim + light.glow * (facing > 0 ? 0.35F + 0.65F * square : 0.35F);
-    const float black = facing < 0 ? light.shade * square : 0.0F;
-    const float keep = (1 - white) * (1 - black);
-    float red = float(qRed(behind)) * keep + 255 * white;
-    float green = float(qGreen(behind)) * keep + 255 * white;
-    float blue = float(qBlue(behind)) * keep + 255 * white;
-    if (distance > -0.5F) {
-      const float cover = 0.5F - distance;
-      const float around = (1 - cover) * (1 - shadowAt(shadowDistance));
-      red = red * cover + float(qRed(target[x])) * around;
-      green = green * cover + float(qGreen(target[x])) * around;
-      blue = blue * cover + float(qBlue(target[x])) * around;
-    }
-    target[x] = qRgb(std::min(int(red + dither), 255), std::min(int(green + dither), 255),
-                     std::min(int(blue + dither), 255));
-  }
-};
-
-void LockGlass::paintRow(QRgb* target, int width, const QImage& backdrop, int y, int left,
-                         std::span<const GlassPlate> plates) const {
-  FieldRow above, here, below, shadow;
+void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
+                         std::span<const GlassPlate> plates, Scratch& scratch) const {
+  FieldRow& here = scratch.here;
   const double center = y + 0.5;
-  if (!fieldRow(center - shadowOffset_, plates, shadow)) {
-    shadow.side.assign(std::size_t(columns_), float(margin_));
-    shadow.middle = float(margin_);
-  }
+  if (!fieldRow(center - shadowOffset_, plates, scratch.shadow)) setFar(scratch.shadow);
   const bool near = fieldRow(center, plates, here);
-  if (near) {
-    if (!fieldRow(center - 1, plates, above)) above = here;
-    if (!fieldRow(center + 1, plates, below)) below = here;
-  } else {
-    here.side.assign(std::size_t(columns_), float(margin_));
-    here.middle = float(margin_);
-    above = below = here;
-  }
+  if (!near) setFar(here);
+  const bool hasAbove = near && fieldRow(center - 1, plates, scratch.above);
+  const bool hasBelow = near && fieldRow(center + 1, plates, scratch.below);
+  const FieldRow& above = hasAbove ? scratch.above : here;
+  const FieldRow& below = hasBelow ? scratch.below : here;
 
-  const RowPainter painter{*this, backdrop, target, y};
-  for (int column = 0; column < columns_; ++column) {
-    const auto i = std::size_t(column);
-    const float distance = here.side[i];
-    float outX = 0, outY = 0;
-    if (distance < 0.5F) {
-      const float before = column > 0 ? here.side[i - 1] : distance;
-      const float after = column + 1 < columns_ ? here.side[i + 1] : here.middle;
-      outX = (after - before) / 2;
-      outY = (below.side[i] - above.side[i]) / 2;
-      const float length = std::hypot(outX, outY);
-      if (length > 0) {
-        outX /= length;
-        outY /= length;
-      }
+  const int width = backdrop.width();
+  const auto backdropRow = [&](int row) {
+    return reinterpret_cast<const QRgb*>(backdrop.constScanLine(std::clamp(row, 0, backdrop.height() - 1)));
+  };
+  const QRgb* behind = backdropRow(y);
+  RowMix& mix = scratch.mix;
+
+  // Both sides at once: they differ in nothing but the direction of the light.
+  const int rightmost = left + size_.width() + margin_ - 1;
+  for (int i = 0; i < columns_; ++i) {
+    const auto at = std::size_t(i);
+    Column column;
+    light(here.side[at], scratch.shadow.side[at], column);
+    const int leftX = left - margin_ + i, rightX = rightmost - i;
+    const std::size_t mirrored = std::size_t(2 * columns_ - 1 - i);
+    if (!column.depth) {
+      const auto set = [&](std::size_t place, int x) {
+        mix.set(place, behind[std::clamp(x, 0, width - 1)], column.cover, column.around, 0);
+      };
+      set(at, leftX);
+      set(mirrored, rightX);
+      continue;
     }
-    const int leftX = left - margin_ + column;
-    const int rightX = left + size_.width() + margin_ - 1 - column;
-    if (leftX >= 0 && leftX < width) painter.paint(leftX, distance, outX, outY, shadow.side[i]);
-    if (rightX >= 0 && rightX < width) painter.paint(rightX, distance, -outX, outY, shadow.side[i]);
+    const float before = i > 0 ? here.side[at - 1] : here.side[at];
+    const float after = i + 1 < columns_ ? here.side[at + 1] : here.middle;
+    float outX = after - before;
+    float outY = below.side[at] - above.side[at];
+    const float steepness = outX * outX + outY * outY;
+    if (steepness > 0) {
+      const float toUnit = 1 / std::sqrt(steepness);
+      outX *= toUnit;
+      outY *= toUnit;
+    }
+    const int bendX = int(outX * column.depth->bend), bendY = int(outY * column.depth->bend);
+    const QRgb* from = bendY == 0 ? behind : backdropRow(y - bendY);
+    const Shine leftShine = shine(*column.depth, outX, outY);
+    const Shine rightShine = shine(*column.depth, -outX, outY);
+    mix.set(at, from[std::clamp(leftX - bendX, 0, width - 1)], column.cover * leftShine.keep, column.around,
+            column.cover * leftShine.white);
+    mix.set(mirrored, from[std::clamp(rightX + bendX, 0, width - 1)], column.cover * rightShine.keep,
+            column.around, column.cover * rightShine.white);
   }
-  const float outY = below.middle > above.middle ? 1.0F : -1.0F;
+  mix.blend(target, width, left - margin_, y, 0, columns_);
+  mix.blend(target, width, rightmost - columns_ + 1, y, columns_, columns_);
+
   const int middleBegin = std::max(0, left - margin_ + columns_);
-  const int middleEnd = std::min(width, left + size_.width() + margin_ - columns_);
-  for (int x = middleBegin; x < middleEnd; ++x) painter.paint(x, here.middle, 0, outY, shadow.middle);
+  const int middleEnd = std::min(width, rightmost - columns_ + 1);
+  if (middleBegin >= middleEnd) return;
+  Column column;
+  light(here.middle, scratch.shadow.middle, column);
+  Shine middleShine{1, 0};
+  const QRgb* from = behind;
+  if (column.depth) {
+    const float outY = below.middle > above.middle ? 1.0F : -1.0F;
+    middleShine = shine(*column.depth, 0, outY);
+    from = backdropRow(y - int(outY * column.depth->bend));
+  } else if (column.cover >= 1) {
+    std::copy(behind + middleBegin, behind + middleEnd, target + middleBegin);
+    return;
+  }
+  blendEvenly(target, from, middleBegin, middleEnd, y, column.cover * middleShine.keep, column.around,
+              column.cover * middleShine.white);
 }
 
 void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
                       std::span<const GlassPlate> plates) const {
   Q_ASSERT(target.size() == backdrop.size());
-  const double reachUp = margin_, reachDown = margin_ + shadowOffset_;
-  const int width = target.width();
-  std::vector<GlassPlate> near, level;
-  std::vector<QRgb> painted;
-  std::vector<std::array<float, 3>> sum;
+  const double reachDown = margin_ + shadowOffset_;
+  const int first = std::max(0, left - margin_);
+  const int count = std::min(target.width(), left + size_.width() + margin_) - first;
+  if (count <= 0) return;
+  Scratch scratch(columns_);
+  std::vector<GlassPlate> near;
+  std::vector<QRgb> before(std::size_t(count), 0);
+  std::vector<std::uint16_t> sum(std::size_t(count) * 4, 0);
   for (int y = 0; y < target.height(); ++y) {
     near.clear();
     for (const GlassPlate& plate : plates) {
-      if (plate.opacity > 0 && y + 1 > plate.top - reachUp && y < plate.top + size_.height() + reachDown)
+      if (plate.opacity > 0 && y + 1 > plate.top - margin_ && y < plate.top + size_.height() + reachDown)
         near.push_back(plate);
     }
     if (near.empty()) continue;
@@ -435,32 +530,25 @@ void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
               [](const GlassPlate& a, const GlassPlate& b) { return a.opacity > b.opacity; });
     auto* line = reinterpret_cast<QRgb*>(target.scanLine(y));
     if (near.back().opacity >= 1) {
-      paintRow(line, width, backdrop, y, left, near);
+      paintRow(line, backdrop, y, left, near, scratch);
       continue;
     }
-    sum.assign(std::size_t(width), {});
-    const auto add = [&](const QRgb* row, double weight) {
-      const auto share = float(weight);
-      for (int x = 0; x < width; ++x) {
-        auto& s = sum[std::size_t(x)];
-        s[0] += share * float(qRed(row[x]));
-        s[1] += share * float(qGreen(row[x]));
-        s[2] += share * float(qBlue(row[x]));
-      }
+    // Opacities in 256ths, so that the weights of the levels add up exactly.
+    const auto share = [&](std::size_t index) {
+      return index < near.size() ? int(std::lround(std::min(1.0, near[index].opacity) * 256)) : 0;
     };
-    add(line, 1 - std::min(1.0, near.front().opacity));
-    for (std::size_t count = 1; count <= near.size(); ++count) {
-      const double next = count < near.size() ? near[count].opacity : 0;
-      const double weight = std::min(1.0, near[count - 1].opacity) - std::min(1.0, next);
+    std::copy_n(line + first, count, before.begin());
+    std::fill(sum.begin(), sum.end(), std::uint16_t(128));
+    accumulate(sum, before.data(), 256 - share(0));
+    for (std::size_t level = 0; level < near.size(); ++level) {
+      const int weight = share(level) - share(level + 1);
       if (weight <= 0) continue;
-      painted.assign(line, line + width);
-      paintRow(painted.data(), width, backdrop, y, left, std::span(near).first(count));
-      add(painted.data(), weight);
+      std::copy_n(before.begin(), count, line + first);
+      paintRow(line, backdrop, y, left, std::span(near).first(level + 1), scratch);
+      accumulate(sum, line + first, weight);
     }
-    for (int x = 0; x < width; ++x) {
-      const auto& s = sum[std::size_t(x)];
-      line[x] = qRgb(int(s[0] + 0.5F), int(s[1] + 0.5F), int(s[2] + 0.5F));
-    }
+    auto* bytes = reinterpret_cast<uchar*>(line + first);
+    for (std::size_t i = 0; i < sum.size(); ++i) bytes[i] = uchar(sum[i] >> 8);
   }
 }
 

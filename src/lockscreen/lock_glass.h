@@ -57,14 +57,29 @@ class LockGlass {
     std::vector<float> side;
     float middle = 0;
   };
-  struct RowPainter;
+  /// What one column of a row is lit by: the plate's share of it, the share of what is around with its
+  /// shadow, and the light at its depth, if it is near the rim.
+  struct Column {
+    float cover, around;
+    const Depth* depth;
+  };
+  /// The share that light leaves of what is behind, and that of white that it adds.
+  struct Shine {
+    float keep, white;
+  };
+  struct RowMix;
+  struct Scratch;
 
   void buildField(double radius);
   void buildLight(double pixelsPerPoint, GlassStyle style);
   /// The smooth union of the plates; false where all are out of reach.
   bool fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const;
-  void paintRow(QRgb* target, int width, const QImage& backdrop, int y, int left,
-                std::span<const GlassPlate> plates) const;
+  void setFar(FieldRow& row) const;
+  void light(float distance, float shadowDistance, Column& column) const;
+  /// `outX`, `outY`: the direction in which the outline lies.
+  [[nodiscard]] Shine shine(const Depth& depth, float outX, float outY) const;
+  void paintRow(QRgb* target, const QImage& backdrop, int y, int left, std::span<const GlassPlate> plates,
+                Scratch& scratch) const;
 
   QSize size_;
   int margin_ = 0;

@@ -1,5 +1,6 @@
 #include "lockscreen/lock_screen_view.h"
 
+#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -84,6 +85,32 @@ void LockScreenCache::paintPlates(QImage& target, const QList<DrawnCard>& cards,
   scenery_.cardGlass().paint(target, scenery_.backdrop(), left, plates);
 }
 
+void LockScreenCache::cutCorners(QImage& target, double pixelsPerPoint) {
+  const double radius = Metrics::liveCornerRadius * pixelsPerPoint;
+  if (target.size() != cornersOf_) {
+    cornersOf_ = target.size();
+    corners_.clear();
+    const QPainterPath outline = continuousRoundedRect(QRectF(target.rect()), radius);
+    // A corner takes less than two radii of a side.
+    const QSize size = QSizeF(2 * radius, 2 * radius).toSize().boundedTo(target.size() / 2);
+    const QPoint farCorner(target.width() - size.width(), target.height() - size.height());
+    for (const QPoint& at : {QPoint(0, 0), QPoint(farCorner.x(), 0), QPoint(0, farCorner.y()), farCorner}) {
+      QImage mask(size, QImage::Format_ARGB32_Premultiplied);
+      mask.fill(Qt::transparent);
+      QPainter painter(&mask);
+      painter.setRenderHint(QPainter::Antialiasing);
+      painter.translate(-at);
+      painter.fillPath(outline, Qt::black);
+      corners_.append({at, mask});
+    }
+  }
+  // Every pixel is opaque up to here.
+  target.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+  QPainter painter(&target);
+  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+  for (const Corner& corner : corners_) painter.drawImage(corner.at, corner.mask);
+}
+
 const QImage& LockScreenCache::composed(const SequenceDocument& document, const QList<StackedCard>& cards,
                                         const QSize& pixels, double pixelsPerPoint, CaptureMode mode) {
   scenery_.update(document, pixels, pixelsPerPoint, mode);
@@ -112,10 +139,12 @@ const QImage& LockScreenCache::composed(const SequenceDocument& document, const 
   }
   double lowest = 0;
   for (const DrawnCard& card : drawnCards) {
-    drawAt(next, card.content, left, card.top, card.opacity);
+    // The content comes after its plate and goes before it, so that two texts on one place hardly meet.
+    drawAt(next, card.content, left, card.top, card.opacity * card.opacity);
     lowest = std::max(lowest, card.top + card.content.height());
   }
   if (lowest > scenery_.layout().torchOrb.rect.top() * pixelsPerPoint) scenery_.paintFront(next);
+  if (mode == CaptureMode::Live) cutCorners(next, pixelsPerPoint);
   picture_ = std::move(next);
   pictureScenery_ = scenery;
   pictureCards_ = std::move(drawnCards);
@@ -151,6 +180,13 @@ void LockScreenView::paint(QPainter& painter, LockScreenCache& cache, const QLis
   const double scale = std::sqrt(std::abs(toDevice.determinant()));
   if (!(scale > 0)) return;
   const QImage image = picture(cache, cards, scale);
+  const bool upright = toDevice.type() <= QTransform::TxScale && toDevice.m11() > 0 &&
+                       qFuzzyCompare(toDevice.m11(), toDevice.m22()) && scale <= finestScale;
+  if (!upright) {
+    painter.drawImage(QRectF(0, 0, Metrics::canvasWidth, Metrics::canvasHeight), image);
+    return;
+  }
+  // Pixel by pixel: undoing the device's own scale as well leaves whole pixels.
   painter.save();
   painter.setWorldTransform(toDevice.inverted() * painter.worldTransform());
   const QPointF corner = toDevice.map(QPointF(0, 0));

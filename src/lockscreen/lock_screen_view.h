@@ -41,6 +41,8 @@ class LockScreenCache {
   QList<DrawnCard> drawn(const QList<StackedCard>& cards, double pixelsPerPoint);
   void paintPlates(QImage& target, const QList<DrawnCard>& cards, int left) const;
 
+  void cutCorners(QImage& target, double pixelsPerPoint);
+
   LockScreenScenery scenery_;
   AppGlyphCache glyphs_;
   CardContentCache contents_;
@@ -49,6 +51,13 @@ class LockScreenCache {
   QImage plated_;
   qint64 platedScenery_ = 0;
   QList<double> platedTops_;
+
+  struct Corner {
+    QPoint at;
+    QImage mask;
+  };
+  QList<Corner> corners_;
+  QSize cornersOf_;
 
   QImage picture_;
   qint64 pictureScenery_ = 0;
@@ -73,7 +82,8 @@ struct LockScreenView {
   /// The same with the cards where an animation has them, in drawing order.
   void paint(QPainter& painter, LockScreenCache& cache, const QList<StackedCard>& cards) const;
 
-  /// The whole picture at a scale. The same image (equal `cacheKey()`) while nothing changes.
+  /// The whole picture at a scale: RGB32 when captured, ARGB32 premultiplied with cut corners when live. The
+  /// same image (equal `cacheKey()`) while nothing changes.
   [[nodiscard]] QImage picture(LockScreenCache& cache, const QList<StackedCard>& cards,
                                double pixelsPerPoint) const;
 
