@@ -15,7 +15,7 @@ const Vec3 sunlight = Vec3{1.00f, 0.56f, 0.33f} * 1.5f;
 Vec3 skyColour(Vec3 direction) {
   const float up = std::max(0.0f, direction.z);
   const float towards = std::max(0.0f, dot(direction, sun));
-  const Vec3 zenith = srgb(0x52698f) * 0.50f, middle = srgb(0x8a84a4) * 0.44f, low = srgb(0xdb9a86) * 0.40f;
+  const Vec3 zenith = srgb(0x566c94) * 0.66f, middle = srgb(0x8e87a8) * 0.52f, low = srgb(0xdb9a86) * 0.42f;
   Vec3 colour = mix(mix(low, middle, smoothstep(0, 0.10f, up)), zenith, smoothstep(0.04f, 0.36f, up));
   colour += srgb(0xffb27a) * (0.16f * std::pow(towards, 60.0f) + 0.10f * std::pow(towards, 9.0f)) *
             std::exp(-up / 0.12f);
@@ -52,9 +52,7 @@ float density(Vec3 p, int octaves) {
     const float round = i < 4 ? 0.75f : 0.3f;
     heads += amplitude * mix(1.3f * n, 3.0f * std::abs(n) - 0.72f, round);
     amplitude *= 0.53f;
-    q = {2.03f * (0.80f * q.y + 0.60f * q.z) + 17.3f,
-         2.03f * (-0.80f * q.x + 0.36f * q.y - 0.48f * q.z) - 5.9f,
-         2.03f * (-0.60f * q.x - 0.48f * q.y + 0.64f * q.z) + 31.7f};
+    q = nextOctave(q);
   }
   return clamp01(inside + relief * heads);
 }

@@ -14,7 +14,7 @@ struct Wallpaper {
 };
 
 const Wallpaper wallpapers[] = {
-    {"one", dawn, {.exposure = 0.78f, .bloom = 0.10f, .grain = 1.9f}},
+    {"one", dawn, {.exposure = 0.66f, .bloom = 0.10f, .grain = 1.9f}},
     {"two", night, {.exposure = 1, .bloom = 0.12f, .grain = 1.9f}},
     {"three", dunes, {.exposure = 1, .bloom = 0.06f, .grain = 1.9f}},
     {"four", glass, {.exposure = 1, .bloom = 0.08f, .grain = 1.9f}},

@@ -113,7 +113,7 @@ Vec3 shade(float x, float y, float slopeX, float slopeZ) {
   const float mist = 1 - std::exp(-path * (0.0013f * std::max(0.10f, drift) * column + 0.0000175f));
   const Vec3 glow = skyColour(slopeX, std::max(slopeZ, -0.02f) * 0.8f);
   const Vec3 air = glow * 0.82f + srgb(0x17305a) * 0.12f;
-  const Vec3 valley = mix(srgb(0x24426f) * 0.85f, air, smoothstep(2500, 15000, y));
+  const Vec3 valley = mix(srgb(0x2d456b) * 0.78f, air, smoothstep(2500, 15000, y));
   return mix(lit, valley, mist);
 }
 

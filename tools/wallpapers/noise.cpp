@@ -16,14 +16,6 @@ float eased(float t) {
   return t * t * t * (t * (t * 6 - 15) + 10);
 }
 
-/// The point scaled to the next octave and turned by an angle that no axis survives.
-Vec3 nextOctave(Vec3 p) {
-  constexpr float lacunarity = 2.03f;
-  return {lacunarity * (0.00f * p.x + 0.80f * p.y + 0.60f * p.z) + 17.3f,
-          lacunarity * (-0.80f * p.x + 0.36f * p.y - 0.48f * p.z) - 5.9f,
-          lacunarity * (-0.60f * p.x - 0.48f * p.y + 0.64f * p.z) + 31.7f};
-}
-
 }  // namespace
 
 std::uint32_t hashed(int x, int y, int z, std::uint32_t seed) {
@@ -54,6 +46,13 @@ float noise(Vec3 p, std::uint32_t seed) {
   const float far =
       mix(mix(corner(0, 0, 1), corner(1, 0, 1), u), mix(corner(0, 1, 1), corner(1, 1, 1), u), v);
   return mix(near, far, w);
+}
+
+Vec3 nextOctave(Vec3 p) {
+  constexpr float lacunarity = 2.03f;
+  return {lacunarity * (0.00f * p.x + 0.80f * p.y + 0.60f * p.z) + 17.3f,
+          lacunarity * (-0.80f * p.x + 0.36f * p.y - 0.48f * p.z) - 5.9f,
+          lacunarity * (-0.60f * p.x - 0.48f * p.y + 0.64f * p.z) + 31.7f};
 }
 
 float fbm(Vec3 p, int octaves, std::uint32_t seed, float gain) {

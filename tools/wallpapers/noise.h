@@ -15,6 +15,9 @@ float hashedUnit(int x, int y, int z, std::uint32_t seed);
 /// Gradient noise, about -1..1, mean 0, features of about one unit.
 float noise(Vec3 p, std::uint32_t seed);
 
+/// The point scaled to the next octave, about twice as fine, and turned by an angle that no axis survives.
+Vec3 nextOctave(Vec3 p);
+
 /// Octaves of gradient noise, each turned against the last so that no lattice shows; about -1..1.
 float fbm(Vec3 p, int octaves, std::uint32_t seed, float gain = 0.5f);
 
