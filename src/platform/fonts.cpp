@@ -1,5 +1,7 @@
 #include "platform/fonts.h"
 
+#include "platform/library_messages.h"
+
 #include <QFontDatabase>
 #include <QStringList>
 #include <algorithm>
@@ -27,18 +29,10 @@ struct Families {
   QStringList text, display;
 };
 
-QtMessageHandler handlerBefore = nullptr;
-
-/// Qt looks for a font for some scripts by trying our families in turn, and complains of each that cannot.
-void withoutFontSearch(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-  if (!message.startsWith(QLatin1String("  OpenType support missing for")))
-    handlerBefore(type, context, message);
-}
-
 /// Loads the embedded fonts on first use.
 const Families& systemFamilies() {
   static const Families loaded = [] {
-    handlerBefore = qInstallMessageHandler(withoutFontSearch);
+    dropFontSearchMessages();
     for (const char* file :
          {"Inter-Regular", "Inter-Medium", "Inter-SemiBold", "Inter-Bold", "InterDisplay-SemiBold"})
       QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/%1.otf").arg(QLatin1String(file)));

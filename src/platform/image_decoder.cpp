@@ -1,5 +1,8 @@
 #include "platform/image_decoder.h"
 
+#include "platform/exif_orientation.h"
+#include "platform/library_messages.h"
+
 #include <libheif/heif.h>
 
 #include <QBuffer>
@@ -8,7 +11,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
-#include <array>
+#include <QTransform>
+#include <cstdlib>
 #include <memory>
 
 namespace brisklet {
@@ -64,6 +68,17 @@ bool isCompleteJpeg(const QByteArray& data) {
   return false;
 }
 
+/// Whether the chunks go on to the last one. libpng would say so itself, but to the console.
+bool isCompletePng(const QByteArray& data) {
+  for (qsizetype at = 8; at + 12 <= data.size();) {
+    const qsizetype length = byteAt(data, at) << 24 | byteAt(data, at + 1) << 16 | byteAt(data, at + 2) << 8 |
+                             byteAt(data, at + 3);
+    if (QByteArrayView(data).sliced(at + 4, 4) == "IEND") return true;
+    at += length + 12;
+  }
+  return false;
+}
+
 /// Whether the first picture is there to its end. Qt's reader gives what it has.
 bool isCompleteGif(const QByteArray& data) {
   const auto colorTableBytes = [&](quint32 flags) {
@@ -80,9 +95,43 @@ bool isCompleteGif(const QByteArray& data) {
   return afterBlocks(at + 1) <= data.size();
 }
 
+/// Whether all pixels are there, if they are not compressed. Qt's reader leaves out what is not.
+bool isCompleteBmp(const QByteArray& data) {
+  const auto number = [&](qsizetype at, int bytes) {
+    qint64 value = 0;
+    for (int i = bytes - 1; i >= 0; --i) value = value << 8 | byteAt(data, at + i);
+    return value;
+  };
+  const bool isOld = number(14, 4) == 12;
+  const qint64 width = isOld ? number(18, 2) : number(18, 4);
+  const qint64 height =
+      isOld ? number(20, 2) : std::abs(static_cast<qint64>(static_cast<qint32>(number(22, 4))));
+  const qint64 bitsPerPixel = number(isOld ? 24 : 28, 2);
+  const qint64 compression = isOld ? 0 : number(30, 4);
+  constexpr qint64 none = 0, bitFields = 3;
+  if (compression != none && compression != bitFields) return true;
+  const qint64 bytesPerRow = (width * bitsPerPixel + 31) / 32 * 4;
+  return isAllowedSize(width, height) && data.size() >= number(10, 4) + bytesPerRow * height;
+}
+
+bool isComplete(const QByteArray& data, const QByteArray& format) {
+  if (format == "jpeg") return isCompleteJpeg(data);
+  if (format == "png") return isCompletePng(data);
+  if (format == "gif") return isCompleteGif(data);
+  if (format == "bmp") return isCompleteBmp(data);
+  return true;
+}
+
+QImage transformed(const QImage& image, QImageIOHandler::Transformations transformation) {
+  const QImage mirrored = image.mirrored(transformation.testFlag(QImageIOHandler::TransformationMirror),
+                                         transformation.testFlag(QImageIOHandler::TransformationFlip));
+  return transformation.testFlag(QImageIOHandler::TransformationRotate90)
+             ? mirrored.transformed(QTransform().rotate(90))
+             : mirrored;
+}
+
 std::optional<QImage> decodedByQt(QByteArray& data, const QByteArray& format) {
-  if ((format == "jpeg" && !isCompleteJpeg(data)) || (format == "gif" && !isCompleteGif(data)))
-    return std::nullopt;
+  if (!isComplete(data, format)) return std::nullopt;
   QBuffer buffer(&data);
   buffer.open(QIODevice::ReadOnly);
   QImageReader reader(&buffer, format);
@@ -94,6 +143,12 @@ std::optional<QImage> decodedByQt(QByteArray& data, const QByteArray& format) {
     QImageReader::setAllocationLimit(maxAllocationMebibytes);
   QImage image = reader.read();
   if (image.isNull()) return std::nullopt;
+  if (format == "png" || format == "webp") {
+    const auto transformation = exifTransformation(data);
+    if (transformation != QImageIOHandler::TransformationNone &&
+        !reader.supportsOption(QImageIOHandler::ImageTransformation))
+      image = transformed(image, transformation);
+  }
   return image;
 }
 
@@ -182,6 +237,8 @@ std::optional<QImage> decodeImageFile(const QString& path, Transparency transpar
   if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
   QByteArray data = file.read(maxImageFileBytes);
 
+  // Bad files are no news: what the readers say of them is of no use to anybody.
+  const QuietLibraries quiet;
   const QByteArray format = formatOf(data);
   if (format.isEmpty()) return std::nullopt;
   std::optional<QImage> decoded = format == "heif" ? decodedByHeif(data) : decodedByQt(data, format);
