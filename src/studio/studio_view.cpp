@@ -107,6 +107,14 @@ void StudioView::announceChanges(const State& former) {
 }
 
 void StudioView::watchVisiblePings() {
+  // One look after all that one tick or command does to the player: the tick that ends a run must not sound
+  // pings beyond the run's length.
+  if (std::exchange(looksSoon_, true)) return;
+  QMetaObject::invokeMethod(this, &StudioView::lookAtVisiblePings, Qt::QueuedConnection);
+}
+
+void StudioView::lookAtVisiblePings() {
+  looksSoon_ = false;
   const QStringList former =
       std::exchange(visibleIds_, ids(player_->document().visiblePings(player_->elapsedMs())));
   if (!player_->isPlaying() || !services_.tones || former == visibleIds_) return;
@@ -278,6 +286,8 @@ void StudioView::play() {
   if (!canPlay()) return;
   if (services_.tones) services_.tones->prepare();
   syncPlayer();
+  // What stands on the stage before the run does not come into view by it.
+  lookAtVisiblePings();
   player_->play();
 }
 

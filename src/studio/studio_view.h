@@ -169,8 +169,9 @@ class StudioView : public QObject {
   void setExportProgress(double progress);
   /// Replaces the player by a new one over the document.
   void makePlayer();
-  /// Sounds the pings that have come into view since the last look.
   void watchVisiblePings();
+  /// Sounds the pings that have come into view since the last look.
+  void lookAtVisiblePings();
   void startExport(const QString& path);
   static QCoro::Task<> runExport(QPointer<StudioView> view, ExportMovie exportMovie,
                                  SequenceDocument document, QString path, std::stop_token stop);
@@ -180,6 +181,7 @@ class StudioView : public QObject {
   State state_;
   SequencePlayer* player_ = nullptr;
   QStringList visibleIds_;
+  bool looksSoon_ = false;
   bool panelOpen_ = false;
   bool exporting_ = false;
   double exportProgress_ = 0;
