@@ -62,7 +62,7 @@ const QImage& WallpaperSource::filled(const SequenceDocument& document, const QS
 }
 
 WallpaperSource::Origin WallpaperSource::originOf(const SequenceDocument& document) {
-  if (document.wallpaper == u"custom"_s) {
+  if (document.wallpaper == u"custom"_s && !document.wallpaperUrl.contains(QChar(u'\0'))) {
     const QFileInfo file(document.wallpaperUrl);
     if (file.isFile()) return {{}, document.wallpaperUrl, file.size(), file.lastModified()};
   }

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+#include <algorithm>
+#include <cmath>
+
+#include "lockscreen/lock_screen_view.h"
+#include "model/catalogue.h"
+
+namespace brisklet {
+
+inline Ping pingOf(const QString& appId, const QString& title, const QString& message, double delayMs = 0) {
+  static int number = 0;
+  const AppPreset& preset = AppPreset::named(appId);
+  return {
+      QString::number(++number), appId, preset.label, preset.icon, preset.color, title, message, delayMs, {}};
+}
+
+/// A document with fixed labels, whose pings land a second apart.
+inline SequenceDocument documentWith(int pings, const QString& wallpaper = QStringLiteral("two")) {
+  SequenceDocument document = SequenceDocument::blank();
+  document.dateLabel = QStringLiteral("Mon Nov 16");
+  document.timeLabel = QStringLiteral("9:41");
+  document.wallpaper = wallpaper;
+  for (int i = 0; i < pings; ++i)
+    document.notifications.append(pingOf(AppPreset::all().at(i % 5).id, QStringLiteral("Sender"),
+                                         QStringLiteral("Message"), i * 1000.0));
+  return document;
+}
+
+inline QImage captured(const SequenceDocument& document, double elapsedMs = SequencePlayer::finishedMs) {
+  SequencePlayer player(document);
+  player.setElapsedMs(elapsedMs);
+  LockScreenCache cache;
+  return captureFrame({document, player, CaptureMode::Capture}, cache);
+}
+
+/// The largest difference of a channel between two pictures within a rectangle.
+inline int greatestDifference(const QImage& a, const QImage& b, const QRect& within) {
+  int greatest = 0;
+  for (int y = within.top(); y <= within.bottom(); ++y) {
+    for (int x = within.left(); x <= within.right(); ++x) {
+      const QColor p = a.pixelColor(x, y), q = b.pixelColor(x, y);
+      greatest = std::max({greatest, std::abs(p.red() - q.red()), std::abs(p.green() - q.green()),
+                           std::abs(p.blue() - q.blue())});
+    }
+  }
+  return greatest;
+}
+
+/// Relative luminance as the web's accessibility guidelines (WCAG 2) define it.
+inline double luminanceOf(double red, double green, double blue) {
+  const auto linear = [](double v) { return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+  return 0.2126 * linear(red) + 0.7152 * linear(green) + 0.0722 * linear(blue);
+}
+
+/// The contrast of white text of this opacity with what it stands on.
+inline double textContrast(const QColor& ground, double opacity) {
+  const auto over = [opacity](double v) { return opacity + (1 - opacity) * v; };
+  const double r = ground.redF(), g = ground.greenF(), b = ground.blueF();
+  return (luminanceOf(over(r), over(g), over(b)) + 0.05) / (luminanceOf(r, g, b) + 0.05);
+}
+
+}  // namespace brisklet
