@@ -289,6 +289,7 @@ void StudioView::play() {
   // What stands on the stage before the run does not come into view by it.
   lookAtVisiblePings();
   player_->play();
+  lookAtVisiblePings();
 }
 
 void StudioView::setTitle(const QString& title) {
