@@ -9,6 +9,7 @@
 #include <QUuid>
 
 #include "base/error.h"
+#include "platform/library_messages.h"
 
 namespace brisklet {
 
@@ -23,6 +24,7 @@ QByteArray jpegOf(const QImage& image) {
     opaque.fill(Qt::black);
     QPainter(&opaque).drawImage(0, 0, image);
   }
+  const QuietLibraries quiet;
   QByteArray bytes;
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::WriteOnly);

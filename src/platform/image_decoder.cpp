@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QTransform>
+#include <QtEndian>
 #include <cstdlib>
 #include <memory>
 
@@ -114,11 +115,21 @@ bool isCompleteBmp(const QByteArray& data) {
   return isAllowedSize(width, height) && data.size() >= number(10, 4) + bytesPerRow * height;
 }
 
+/// Whether the directory, which most writers put behind the pixels, is there. libtiff's word on it would go
+/// to the console too.
+bool isCompleteTiff(const QByteArray& data) {
+  if (data.size() < 8) return false;
+  const char* offset = data.constData() + 4;
+  return (data[0] == 'I' ? qFromLittleEndian<quint32>(offset) : qFromBigEndian<quint32>(offset)) + 2LL <
+         data.size();
+}
+
 bool isComplete(const QByteArray& data, const QByteArray& format) {
   if (format == "jpeg") return isCompleteJpeg(data);
   if (format == "png") return isCompletePng(data);
   if (format == "gif") return isCompleteGif(data);
   if (format == "bmp") return isCompleteBmp(data);
+  if (format == "tiff") return isCompleteTiff(data);
   return true;
 }
 
