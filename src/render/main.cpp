@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <QCoroTask>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -8,6 +7,7 @@
 #include <cstdio>
 #include <new>
 
+#include "base/wait_for_task.h"
 #include "export/video_exporter.h"
 #include "render/interruption.h"
 #include "render/render_job.h"
@@ -63,7 +63,7 @@ ExitStatus run(const RenderJob& job, Console& console, const std::stop_source& s
     console.progress(job.movie, framesDone, frames);
   };
   try {
-    QCoro::waitFor(runRenderJob(job, progress, stop.get_token()));
+    waitForTask(runRenderJob(job, progress, stop.get_token()));
     console.clearProgress();
     return Done;
   } catch (const ExportCancelled&) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoroTask>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -10,6 +9,7 @@
 #include <limits>
 #include <vector>
 
+#include "base/wait_for_task.h"
 #include "support/printing.h"
 
 namespace brisklet {
@@ -92,7 +92,7 @@ struct VideoExporterTest : testing::Test {
   QString exported(const SequenceDocument& document, std::stop_token stop = {},
                    const VideoExporter::Progress& progress = {}) {
     try {
-      QCoro::waitFor(VideoExporter::exportMovie(document, path, progress, stop, [this](const QString&) {
+      waitForTask(VideoExporter::exportMovie(document, path, progress, stop, [this](const QString&) {
         return std::make_unique<ScriptedWriter>(script);
       }));
       return {};
