@@ -1,7 +1,6 @@
 #include "platform/image_decoder.h"
 
 #include <gtest/gtest.h>
-#include <libheif/heif.h>
 #include <sys/stat.h>
 
 #include <QBuffer>
@@ -60,40 +59,6 @@ QByteArray exifWith(int orientation) {
          QByteArray(6, '\0');
 }
 
-QByteArray heif(const QImage& image, heif_compression_format format) {
-  heif_context* context = heif_context_alloc();
-  heif_encoder* encoder = nullptr;
-  QByteArray bytes;
-  if (heif_context_get_encoder_for_format(context, format, &encoder).code == heif_error_Ok) {
-    heif_image* picture = nullptr;
-    heif_image_create(image.width(), image.height(), heif_colorspace_RGB, heif_chroma_interleaved_RGB,
-                      &picture);
-    heif_image_add_plane(picture, heif_channel_interleaved, image.width(), image.height(), 8);
-    int stride = 0;
-    uchar* to = heif_image_get_plane(picture, heif_channel_interleaved, &stride);
-    const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
-    for (int y = 0; y < rgb.height(); ++y)
-      std::copy_n(rgb.constScanLine(y), 3 * rgb.width(), to + y * stride);
-    heif_encoder_set_lossy_quality(encoder, 90);
-    heif_image_handle* handle = nullptr;
-    heif_context_encode_image(context, picture, encoder, nullptr, &handle);
-    // The tag repeats what the format has already done: it must not be applied.
-    const QByteArray exif = exifWith(6);
-    heif_context_add_exif_metadata(context, handle, exif.constData(), int(exif.size()));
-    heif_writer writer{1, [](heif_context*, const void* data, size_t size, void* out) {
-                         static_cast<QByteArray*>(out)->append(static_cast<const char*>(data),
-                                                               qsizetype(size));
-                         return heif_error{heif_error_Ok, heif_suberror_Unspecified, ""};
-                       }};
-    heif_context_write(context, &writer, &bytes);
-    heif_image_handle_release(handle);
-    heif_image_release(picture);
-    heif_encoder_release(encoder);
-  }
-  heif_context_free(context);
-  return bytes;
-}
-
 class ImageDecoder : public testing::Test {
  protected:
   std::optional<QImage> decoded(const QByteArray& bytes,
@@ -123,14 +88,16 @@ TEST_F(ImageDecoder, readsEveryFormatByItsContent) {
   EXPECT_EQ(gif->pixel(0, 0), qRgb(255, 0, 0));
 }
 
+// Both files hold the quarters turned clockwise by the format, and a tag that says the same again.
 TEST_F(ImageDecoder, readsHeicAndAvifTurnedByTheFormatAlone) {
-  for (const auto format : {heif_compression_HEVC, heif_compression_AV1}) {
-    const QByteArray bytes = heif(quarters(), format);
-    if (bytes.isEmpty()) GTEST_SKIP() << "No encoder here to make the picture with.";
+  for (const char* name : {"quarters.heic", "quarters.avif"}) {
+    QFile file(QStringLiteral(TEST_DATA "/") + QString::fromLatin1(name));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+    const QByteArray bytes = file.readAll();
     const auto image = decoded(bytes);
-    ASSERT_TRUE(image) << format;
-    EXPECT_EQ(image->size(), QSize(64, 32));
-    EXPECT_EQ(colorsOf(*image), "rgbw");
+    ASSERT_TRUE(image) << name;
+    EXPECT_EQ(image->size(), QSize(32, 64)) << name;
+    EXPECT_EQ(colorsOf(*image), "brwg") << name;
     for (const int percent : {10, 50, 95})
       EXPECT_FALSE(decoded(bytes.left(bytes.size() * percent / 100))) << percent;
   }
