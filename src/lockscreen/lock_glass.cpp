@@ -188,18 +188,16 @@ double gaussianTail(double distance) {
 }  // namespace
 
 /// Pixels of a row before they are blended: what shows through, and its share, that of what is there, and
-/// that of white.
+/// that of white. The four bytes of a pixel have the same shares: each is stored four times over.
 struct LockGlass::RowMix {
-  explicit RowMix(std::size_t pixels) : sources(pixels), one(pixels), other(pixels), added(pixels) {}
-
-  // The four bytes of a pixel have the same shares: each is stored four times over.
-  static std::uint64_t fourTimes(std::uint16_t value) { return value * 0x0001000100010001ULL; }
+  explicit RowMix(std::size_t pixels)
+      : sources(pixels), sourceShares(4 * pixels), targetShares(4 * pixels), whites(4 * pixels) {}
 
   void set(std::size_t at, QRgb source, float sourceShare, float targetShare, float white) {
     sources[at] = source;
-    one[at] = fourTimes(fixedShare(sourceShare));
-    other[at] = fourTimes(fixedShare(targetShare));
-    added[at] = fourTimes(std::uint16_t(white * (255 * 256)));
+    std::fill_n(&sourceShares[4 * at], 4, fixedShare(sourceShare));
+    std::fill_n(&targetShares[4 * at], 4, fixedShare(targetShare));
+    std::fill_n(&whites[4 * at], 4, std::uint16_t(white * (255 * 256)));
   }
 
   /// Blends `count` pixels from `begin` on into the row's pixels from `x` on, those that it has.
@@ -209,26 +207,27 @@ struct LockGlass::RowMix {
     if (count <= 0) return;
     const auto from = std::size_t(begin + skipped);
     const auto* bytes = reinterpret_cast<const uchar*>(sources.data() + from);
-    const auto* ones = reinterpret_cast<const std::uint16_t*>(one.data() + from);
-    const auto* others = reinterpret_cast<const std::uint16_t*>(other.data() + from);
-    const auto* whites = reinterpret_cast<const std::uint16_t*>(added.data() + from);
+    const std::uint16_t* ones = sourceShares.data() + 4 * from;
+    const std::uint16_t* others = targetShares.data() + 4 * from;
+    const std::uint16_t* added = whites.data() + 4 * from;
     const std::array<std::uint16_t, 32> dither = ditherRow(x + skipped, y);
     auto* out = reinterpret_cast<uchar*>(target + x + skipped);
+    const auto blendByte = [&](int i, int phase) {
+      out[i] =
+          mixed(bytes[i], ones[i], out[i], others[i], std::uint16_t(added[i] + dither[std::size_t(phase)]));
+    };
+    // In blocks as long as the dither, so that the compiler makes them vectors.
     const int size = 4 * count;
     int i = 0;
     for (; i + 32 <= size; i += 32) {
-      for (int k = i; k < i + 32; ++k)
-        out[k] = mixed(bytes[k], ones[k], out[k], others[k],
-                       std::uint16_t(whites[k] + dither[std::size_t(k - i)]));
+      for (int k = 0; k < 32; ++k) blendByte(i + k, k);
     }
-    for (; i < size; ++i)
-      out[i] =
-          mixed(bytes[i], ones[i], out[i], others[i], std::uint16_t(whites[i] + dither[std::size_t(i % 32)]));
+    for (; i < size; ++i) blendByte(i, i % 32);
     for (int k = 0; k < count; ++k) target[x + skipped + k] |= 0xff000000;
   }
 
   std::vector<QRgb> sources;
-  std::vector<std::uint64_t> one, other, added;
+  std::vector<std::uint16_t> sourceShares, targetShares, whites;
 };
 
 /// What painting a row works on.

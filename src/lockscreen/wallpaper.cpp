@@ -16,6 +16,9 @@ using namespace Qt::StringLiterals;
 namespace brisklet {
 namespace {
 
+/// Smaller pictures are made from one of this size, so that a window can be resized without decoding anew.
+constexpr QSize printSize(1170, 2532);
+
 QImage overBlack(const QImage& image) {
   if (!image.hasAlphaChannel()) return image.convertToFormat(QImage::Format_RGB32);
   QImage opaque(image.size(), QImage::Format_RGB32);
@@ -54,9 +57,16 @@ QImage photoFill(const QImage& photo, const QSize& pixels) {
 
 const QImage& WallpaperSource::filled(const SequenceDocument& document, const QSize& pixels) {
   Origin origin = originOf(document);
-  if (image_.size() != pixels || !(origin == origin_)) {
-    image_ = read(origin, pixels);
+  if (!(origin == origin_)) {
     origin_ = std::move(origin);
+    print_ = image_ = {};
+  }
+  if (image_.size() == pixels) return image_;
+  if (pixels.width() > printSize.width() || pixels.height() > printSize.height()) {
+    image_ = read(origin_, pixels);
+  } else {
+    if (print_.isNull()) print_ = read(origin_, printSize);
+    image_ = pixels == printSize ? print_ : overBlack(photoFill(print_, pixels));
   }
   return image_;
 }

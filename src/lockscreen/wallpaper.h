@@ -35,6 +35,8 @@ class WallpaperSource {
   [[nodiscard]] static QImage read(const Origin& origin, const QSize& pixels);
 
   Origin origin_;
+  /// The picture at the size of a movie's frame, from which smaller ones are made.
+  QImage print_;
   QImage image_;
 };
 
