@@ -22,7 +22,7 @@ constexpr std::uint32_t bytesFor(int milliseconds) {
 constexpr std::uint32_t latencyBytes = bytesFor(40);
 constexpr std::uint32_t requestBytes = bytesFor(5);
 /// So much silence after the last sound, and the stream is closed. Sound long before that has been heard.
-constexpr std::size_t restAfterSamples = 5 * AudioSource::sampleRate;
+constexpr std::size_t restAfterSamples = 30 * AudioSource::sampleRate;
 /// A device that keeps its source waiting longer than this has missed the moment of what waits.
 constexpr auto longestWait = std::chrono::milliseconds(400);
 

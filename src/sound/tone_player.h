@@ -9,7 +9,7 @@ class TonePlayer {
  public:
   virtual ~TonePlayer() = default;
 
-  /// Tones will be wanted soon: a device that rests may take its time to wake.
+  /// Tones will be wanted soon: a loudspeaker that rests takes a moment to wake.
   virtual void prepare() = 0;
   /// Starts the app's tone and returns at once.
   virtual void play(const QString& appId) = 0;

@@ -38,12 +38,12 @@ class StudioView : public QObject {
     TonePlayer* tones = nullptr;  // none: silent
     FilePanels* panels = nullptr;
     FileManager* fileManager = nullptr;
-    ExportMovie exportMovie;
-    std::function<std::optional<QImage>(const QString& path)> decodeImage;
+    ExportMovie exportMovie = {};
+    std::function<std::optional<QImage>(const QString& path)> decodeImage = {};
     /// The file name endings that `decodeImage` reads, without dots.
-    QStringList imageSuffixes;
+    QStringList imageSuffixes = {};
     /// Stores a copy of a photo and returns its path; throws `Error`.
-    std::function<QString(const QImage& image)> saveWallpaper;
+    std::function<QString(const QImage& image)> saveWallpaper = {};
     SequencePlayer::ClockMs clock = SequencePlayer::steadyClockMs;
   };
 
