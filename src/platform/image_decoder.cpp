@@ -246,7 +246,7 @@ std::optional<QImage> decodeImageFile(const QString& path, Transparency transpar
   if (!info.isFile() || info.size() <= 0 || info.size() > maxImageFileBytes) return std::nullopt;
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-  QByteArray data = file.read(maxImageFileBytes);
+  QByteArray data = file.read(info.size());
 
   // Bad files are no news: what the readers say of them is of no use to anybody.
   const QuietLibraries quiet;
