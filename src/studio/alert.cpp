@@ -1,0 +1,177 @@
+#include "studio/alert.h"
+
+#include <QAccessibleWidget>
+#include <QKeyEvent>
+#include <QPainter>
+#include <algorithm>
+
+#include "platform/blur.h"
+#include "platform/continuous_corners.h"
+#include "studio/control_painting.h"
+#include "studio/palette.h"
+#include "studio/studio_button.h"
+#include "studio/top_bar.h"
+
+namespace brisklet {
+
+namespace {
+
+constexpr TextStyle titleStyle{15, FontWeight::Semibold}, messageStyle{13, FontWeight::Regular};
+constexpr int cardWidth = 340, margin = 22, titleSpacing = 6, buttonTop = 20, buttonSpacing = 8;  // pt
+constexpr int mostLines = 12;
+constexpr double cardRadius = 16, shadowSigma = 20, shadowOffset = 12, shadowOpacity = 0.28;
+constexpr QColor scrim = Studio::srgb(0.067, 0.067, 0.071, 0.32);
+
+class AccessibleAlert : public QAccessibleWidget {
+ public:
+  explicit AccessibleAlert(QWidget* alert) : QAccessibleWidget(alert, QAccessible::AlertMessage) {}
+
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.modal = true;
+    return state;
+  }
+};
+
+QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+  auto* alert = qobject_cast<Alert*>(object);
+  return alert ? new AccessibleAlert(alert) : nullptr;
+}
+
+void paintShadow(QPainter& painter, const QRectF& card) {
+  const double reach = 3 * shadowSigma;
+  const QRectF area = card.adjusted(-reach, -reach, reach, reach);
+  // Soft enough to be made at half size.
+  constexpr double scale = 0.5;
+  QImage shadow((area.size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+  shadow.fill(Qt::transparent);
+  QPainter shape(&shadow);
+  shape.setRenderHint(QPainter::Antialiasing);
+  shape.scale(scale, scale);
+  shape.translate(-area.topLeft());
+  shape.fillPath(continuousRoundedRect(card, cardRadius), Studio::srgb(0, 0, 0, shadowOpacity));
+  shape.end();
+  painter.drawImage(area.translated(0, shadowOffset), blurred(shadow, shadowSigma * scale));
+}
+
+}  // namespace
+
+Alert::Alert(QWidget* parent)
+    : QWidget(parent),
+      confirm_(new StudioButton({}, {}, ButtonLook::Solid, this)),
+      cancel_(new StudioButton({}, {}, ButtonLook::Solid, this)) {
+  [[maybe_unused]] static const bool installed = [] {
+    QAccessible::installFactory(makeInterface);
+    return true;
+  }();
+  setFocusPolicy(Qt::ClickFocus);
+  hide();
+  parent->installEventFilter(this);
+  connect(confirm_, &QAbstractButton::clicked, this, [this] {
+    hide();
+    Q_EMIT confirmed();
+  });
+  connect(cancel_, &QAbstractButton::clicked, this, [this] {
+    hide();
+    Q_EMIT cancelled();
+  });
+}
+
+void Alert::open(const Content& content) {
+  if (isOpen() && content == content_) return;
+  content_ = content;
+  title_ = TextLine(content.title, titleStyle, cardWidth - 2 * margin);
+  message_ = ClampedText(content.message, messageStyle, cardWidth - 2 * margin, mostLines);
+  setAccessibleName(content.title);
+  setAccessibleDescription(content.message);
+  confirm_->setTitle(content.confirm);
+  confirm_->setVisible(!content.confirm.isEmpty());
+  cancel_->setLook(content.confirm.isEmpty() ? ButtonLook::Solid : ButtonLook::Flat);
+  cancel_->setTitle(content.cancel);
+  place();
+  raise();
+  show();
+  // Not marked: nobody has touched the keyboard yet.
+  cancel_->setFocus(Qt::OtherFocusReason);
+  QAccessibleEvent event(this, QAccessible::Alert);
+  QAccessible::updateAccessibility(&event);
+}
+
+void Alert::dismiss() {
+  if (isOpen()) hide();
+}
+
+QRect Alert::cardRect() const {
+  int height = 2 * margin + rowHeight(titleStyle) + buttonTop + StudioButton::buttonHeight;
+  if (!content_.message.isEmpty()) height += titleSpacing + message_.height();
+  QRect card(0, 0, cardWidth, height);
+  card.moveCenter(rect().center());
+  return card;
+}
+
+void Alert::place() {
+  setGeometry(parentWidget()->rect());
+  const QRect card = cardRect();
+  int right = card.right() + 1 - margin;
+  const int top = card.bottom() + 1 - margin - StudioButton::buttonHeight;
+  for (StudioButton* button : {confirm_, cancel_}) {
+    if (button->text().isEmpty()) continue;
+    const int width = std::max(72, button->sizeHint().width());
+    button->setGeometry(right - width, top, width, StudioButton::buttonHeight);
+    right -= width + buttonSpacing;
+  }
+}
+
+bool Alert::eventFilter(QObject*, QEvent* event) {
+  if (event->type() == QEvent::Resize) place();
+  return false;
+}
+
+void Alert::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  setUpPainter(painter);
+  painter.fillRect(rect(), scrim);
+  const QRect card = cardRect();
+  paintShadow(painter, card);
+  paintBox(painter, {.rect = card, .radius = cardRadius}, Studio::white);
+
+  const int left = card.left() + margin;
+  int top = card.top() + margin;
+  title_.draw(painter, QPointF(left, centredBaseline(painter, top, rowHeight(titleStyle), titleStyle)),
+              Studio::ink);
+  top += rowHeight(titleStyle) + titleSpacing;
+  message_.draw(painter, QPointF(left, top), Studio::mute);
+}
+
+void Alert::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Escape:
+      cancel_->click();
+      break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      (content_.confirm.isEmpty() ? cancel_ : confirm_)->click();
+      break;
+    default:
+      // Nothing that is typed reaches the window behind.
+      event->accept();
+  }
+}
+
+void Alert::mousePressEvent(QMouseEvent* event) {
+  heldAt_ = event->globalPosition().toPoint();
+}
+
+void Alert::mouseMoveEvent(QMouseEvent* event) {
+  if (mapFromGlobal(heldAt_).y() < TopBar::barHeight)
+    Q_EMIT dragged(heldAt_, event->globalPosition().toPoint());
+}
+
+bool Alert::focusNextPrevChild(bool next) {
+  const bool onConfirm = confirm_->hasFocus();
+  QWidget* other = onConfirm || content_.confirm.isEmpty() ? cancel_ : confirm_;
+  other->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+  return true;
+}
+
+}  // namespace brisklet

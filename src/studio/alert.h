@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QString>
+#include <QWidget>
+
+#include "platform/text_line.h"
+#include "studio/clamped_text.h"
+
+namespace brisklet {
+
+class StudioButton;
+
+/// A message over the window that must be answered before the window takes other input. It is drawn within
+/// the window and the event loop goes on as ever.
+class Alert : public QWidget {
+  Q_OBJECT
+
+ public:
+  struct Content {
+    QString title;
+    QString message;
+    /// The button that does what the title asks; empty when the alert only tells.
+    QString confirm;
+    /// The button that leaves everything as it is, and the one that Escape presses.
+    QString cancel;
+
+    friend bool operator==(const Content&, const Content&) = default;
+  };
+
+  /// Over all of its parent.
+  explicit Alert(QWidget* parent);
+
+  void open(const Content& content);
+  [[nodiscard]] bool isOpen() const { return isVisible(); }
+  /// Closes it without an answer.
+  void dismiss();
+  /// The card in the middle.
+  [[nodiscard]] QRect cardRect() const;
+
+ Q_SIGNALS:
+  void confirmed();
+  void cancelled();
+  /// Dragged above the window's content: from where and to where, on the screen.
+  void dragged(const QPoint& from, const QPoint& to);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void place();
+
+  Content content_;
+  TextLine title_;
+  ClampedText message_;
+  StudioButton* confirm_;
+  StudioButton* cancel_;
+  QPoint heldAt_;
+};
+
+}  // namespace brisklet

@@ -1,0 +1,34 @@
+#include "studio/app_chip.h"
+
+#include <QPainter>
+
+#include "studio/chip_preview.h"
+#include "studio/control_painting.h"
+#include "studio/palette.h"
+
+namespace brisklet {
+
+AppChip::AppChip(const AppPreset& preset, QWidget* parent) : Chip(radius, parent), preset_(preset) {
+  setLabel(preset.label);
+}
+
+void AppChip::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  setUpPainter(painter);
+  Ping ping;
+  ping.appId = preset_.id;
+  ping.appLabel = preset_.label;
+  ping.icon = preset_.icon;
+  ping.color = preset_.color;
+  const QPointF topLeft = QRectF(rect()).center() - QPointF(glyphSize / 2, glyphSize / 2);
+  glyphs_.paint(painter, {ping, glyphSize, radius}, topLeft);
+
+  const RoundedBox box{rect(), radius, Studio::ink, 2};
+  if (isSelected()) {
+    paintOutline(painter, box);
+    paintSelectionGap(painter, box);
+  }
+  paintBox(painter, {.rect = rect(), .radius = radius}, veil());
+}
+
+}  // namespace brisklet

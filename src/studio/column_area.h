@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QScrollArea>
+#include <QVariantAnimation>
+
+namespace brisklet {
+
+class SlimScrollBar;
+
+/// A column beside the stage: content on paper that scrolls up and down. Wheel steps glide.
+class ColumnArea : public QScrollArea {
+  Q_OBJECT
+
+ public:
+  static constexpr int columnWidth = 288;  // points
+
+  /// Takes the content over.
+  explicit ColumnArea(QWidget* content, QWidget* parent = nullptr);
+
+  /// Scrolls as little as needed to show a part of the content.
+  void reveal(const QRect& part);
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  void glideTo(int value);
+
+  SlimScrollBar* bar_;
+  QVariantAnimation glide_;
+};
+
+}  // namespace brisklet

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <optional>
+
+#include "model/catalogue.h"
+
+namespace brisklet {
+
+class ChipGrid;
+class CustomAppChip;
+class CustomWallpaperChip;
+class StudioField;
+
+/// The choices from which pings are made, and the fields of the selected ping. Shows what it is given and
+/// tells what the user wants.
+class Inspector : public QWidget {
+  Q_OBJECT
+
+ public:
+  struct State {
+    QString wallpaper;
+    QString wallpaperUrl;
+    QString selectedAppId;
+    QString selectedTypeId;
+    QString customAppLabel;
+    QString sender;
+    QString message;
+    std::optional<QString> selectedPingId;
+    /// The selected ping's landing time in seconds.
+    QString delay;
+  };
+
+  explicit Inspector(QWidget* parent = nullptr);
+
+  void setState(const State& state);
+
+ Q_SIGNALS:
+  void wallpaperPicked(const QString& id);
+  void photoChipPressed();
+  void appPicked(const QString& id);
+  void customAppPicked();
+  void customAppLabelEdited(const QString& text);
+  void typePicked(const PingType& type);
+  void senderEdited(const QString& text);
+  void messageEdited(const QString& text);
+  void delayEdited(const QString& text);
+  void addPingPressed();
+
+ private:
+  void addWallpapers(ChipGrid* grid);
+  void addApps(ChipGrid* grid);
+  void showTypes(const QString& appId);
+  void showDelay(const State& state);
+
+  ChipGrid* wallpapers_;
+  CustomWallpaperChip* photo_ = nullptr;
+  ChipGrid* apps_;
+  CustomAppChip* customApp_ = nullptr;
+  StudioField* customAppLabel_;
+  ChipGrid* types_;
+  QString typesOfApp_;
+  StudioField* sender_;
+  StudioField* message_;
+  StudioField* delay_;
+  std::optional<QString> delayOfPing_;
+  /// The stored landing time, for the field when its editing ends.
+  QString storedDelay_;
+};
+
+}  // namespace brisklet

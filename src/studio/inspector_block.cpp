@@ -1,0 +1,27 @@
+#include "studio/inspector_block.h"
+
+#include <QPainter>
+
+#include "studio/palette.h"
+#include "studio/studio_label.h"
+
+namespace brisklet {
+
+InspectorBlock::InspectorBlock(const QString& title, QWidget* parent)
+    : QWidget(parent), title_(new StudioLabel(title, this)), content_(new QVBoxLayout(this)) {
+  setAccessibleName(title);
+  content_->setContentsMargins(margin, margin, margin, margin);
+  content_->setSpacing(spacing);
+  content_->addWidget(title_);
+}
+
+void InspectorBlock::setTitle(const QString& title) {
+  title_->setText(title);
+  setAccessibleName(title);
+}
+
+void InspectorBlock::paintEvent(QPaintEvent*) {
+  QPainter(this).fillRect(0, height() - 1, width(), 1, Studio::line);
+}
+
+}  // namespace brisklet

@@ -1,0 +1,34 @@
+#include <QApplication>
+
+#include "export/video_exporter.h"
+#include "lockscreen/wallpaper_store.h"
+#include "platform/audio_output.h"
+#include "platform/file_manager.h"
+#include "platform/image_decoder.h"
+#include "sound/notification_sound_player.h"
+#include "studio/brisklet_app.h"
+
+int main(int argc, char** argv) {
+  using namespace brisklet;
+
+  QApplication application(argc, argv);
+  BriskletApp::setUp(application);
+
+  NotificationSoundPlayer tones(makeAudioOutput);
+  const std::unique_ptr<FileManager> fileManager = makeFileManager();
+  StudioView::Services services;
+  services.tones = &tones;
+  services.fileManager = fileManager.get();
+  services.exportMovie = [](SequenceDocument document, QString path, StudioView::Progress progress,
+                            std::stop_token stop) {
+    return VideoExporter::exportMovie(std::move(document), std::move(path), std::move(progress),
+                                      std::move(stop));
+  };
+  services.decodeImage = decodeImageFile;
+  services.imageSuffixes = readableImageSuffixes();
+  services.saveWallpaper = WallpaperStore::save;
+
+  BriskletApp app(services, makeFilePanels);
+  app.openWindow();
+  return QApplication::exec();
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QWidget>
+#include <optional>
+
+namespace brisklet {
+
+/// The line under the top bar. While an export runs it fills up with the part that is done.
+class Rule : public QWidget {
+  Q_OBJECT
+
+ public:
+  static constexpr int thickness = 1;  // points
+
+  explicit Rule(QWidget* parent = nullptr);
+
+  /// 0 to 1, or nothing when no export runs.
+  void setProgress(std::optional<double> progress);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  std::optional<double> progress_;
+};
+
+}  // namespace brisklet

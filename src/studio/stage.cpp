@@ -1,0 +1,88 @@
+#include "studio/stage.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScreen>
+#include <algorithm>
+
+#include "studio/control_painting.h"
+#include "studio/stage_backdrop.h"
+
+namespace brisklet {
+
+Stage::Stage(QWidget* parent) : QWidget(parent) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setAccessibleName(tr("Lock screen"));
+  frames_.setTimerType(Qt::PreciseTimer);
+  connect(&frames_, &QTimer::timeout, this, &Stage::nextFrame);
+}
+
+void Stage::setDocument(const SequenceDocument& document) {
+  // The pings are the player's.
+  const bool looksTheSame =
+      document.wallpaper == document_.wallpaper && document.wallpaperUrl == document_.wallpaperUrl &&
+      document.dateLabel == document_.dateLabel && document.timeLabel == document_.timeLabel;
+  document_ = document;
+  if (!looksTheSame) update(phoneArea());
+}
+
+void Stage::setPlayer(const SequencePlayer* player) {
+  if (player_ == player) return;
+  const bool isFirst = player_ == nullptr && shownPings_.isEmpty();
+  if (player_) disconnect(player_, nullptr, this, nullptr);
+  player_ = player;
+  if (!player) return;
+  connect(player, &SequencePlayer::elapsedMsChanged, this, &Stage::follow);
+  connect(player, &SequencePlayer::documentChanged, this, &Stage::follow);
+  if (!isFirst) {
+    follow();
+    return;
+  }
+  shownPings_ = LockScreenView{document_, *player}.visiblePings();
+  animation_.reset(shownPings_);
+  update();
+}
+
+void Stage::follow() {
+  if (!player_) return;
+  QList<Ping> pings = LockScreenView{document_, *player_}.visiblePings();
+  if (pings == shownPings_) return;
+  shownPings_ = std::move(pings);
+  animation_.update(shownPings_, SequencePlayer::steadyClockMs());
+  update(phoneArea());
+  if (frames_.isActive()) return;
+  const double rate = std::clamp(screen()->refreshRate(), 30.0, 240.0);
+  frames_.start(static_cast<int>(1000 / rate));
+}
+
+void Stage::nextFrame() {
+  if (animation_.settled(SequencePlayer::steadyClockMs())) frames_.stop();
+  update(phoneArea());
+}
+
+QRect Stage::phoneArea() const {
+  return phoneRect(size()).toAlignedRect().adjusted(-1, -1, 1, 1);
+}
+
+void Stage::resizeEvent(QResizeEvent*) {
+  backdrop_ = {};
+}
+
+void Stage::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  setUpPainter(painter);
+  const double scale = painter.deviceTransform().m11();
+  const QSize pixels = (QSizeF(size()) * scale).toSize();
+  if (backdrop_.size() != pixels) backdrop_ = stageBackdrop(pixels, scale);
+  painter.setClipRegion(event->region());
+  painter.drawImage(QRectF(rect()), backdrop_);
+
+  if (!player_ || !event->region().intersects(phoneArea())) return;
+  const QRectF phone = phoneRect(size());
+  painter.translate(phone.topLeft());
+  painter.scale(phoneScale(size()), phoneScale(size()));
+  LockScreenView{document_, *player_}.paint(painter, cache_,
+                                            animation_.cards(SequencePlayer::steadyClockMs()));
+}
+
+}  // namespace brisklet

@@ -1,0 +1,89 @@
+#include "studio/studio_button.h"
+
+#include <QPainter>
+#include <cmath>
+
+#include "platform/symbol_image.h"
+#include "studio/control_painting.h"
+#include "studio/palette.h"
+
+namespace brisklet {
+
+namespace {
+
+constexpr TextStyle titleStyle{13, FontWeight::Medium};
+constexpr double symbolFontSize = 11, disabledOpacity = 0.4;
+
+}  // namespace
+
+StudioButton::StudioButton(const QString& title, const QString& systemImage, ButtonLook look, QWidget* parent)
+    : StudioControl(radius, parent), systemImage_(systemImage), look_(look) {
+  setFixedHeight(buttonHeight);
+  setCursor(Qt::PointingHandCursor);
+  setTitle(title);
+}
+
+void StudioButton::setTitle(const QString& title) {
+  if (title == text()) return;
+  setText(title);
+  line_ = TextLine(title, titleStyle);
+  updateGeometry();
+  update();
+}
+
+void StudioButton::setLook(ButtonLook look) {
+  if (look == look_) return;
+  look_ = look;
+  updateGeometry();
+  update();
+}
+
+void StudioButton::setUsable(bool usable) {
+  if (usable == isEnabled()) return;
+  if (!usable && hasFocus()) {
+    clearFocus();
+    wantsFocusBack_ = true;
+  }
+  setEnabled(usable);
+  if (usable)
+    setCursor(Qt::PointingHandCursor);
+  else
+    unsetCursor();
+  if (usable && wantsFocusBack_) {
+    const QWidget* focused = window()->focusWidget();
+    if (!focused || focused == this) setFocus(Qt::TabFocusReason);
+    wantsFocusBack_ = false;
+  }
+}
+
+QSize StudioButton::sizeHint() const {
+  const double margin = look_ == ButtonLook::Solid ? solidMargin : flatMargin;
+  double width = 2 * margin + line_.width();
+  if (!systemImage_.isEmpty()) width += symbolSize(systemImage_, symbolFontSize).width() + spacing;
+  return {static_cast<int>(std::ceil(width)), buttonHeight};
+}
+
+void StudioButton::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  setUpPainter(painter);
+  if (!isEnabled()) painter.setOpacity(disabledOpacity);
+
+  const bool solid = look_ == ButtonLook::Solid;
+  const RoundedBox box{.rect = rect(), .radius = radius};
+  if (solid)
+    paintBox(painter, box, isDown() ? Studio::pressedInk : isHovered() ? Studio::hoveredInk : Studio::ink);
+  else
+    paintBox(painter, box, veil());
+
+  const QColor color = solid ? Studio::white : Studio::ink;
+  // Where the button is wider than its content, the content stands in its middle.
+  double x = (solid ? solidMargin : flatMargin) + (width() - sizeHint().width()) / 2;
+  if (!systemImage_.isEmpty()) {
+    const double symbolWidth = symbolSize(systemImage_, symbolFontSize).width();
+    drawSymbol(painter, systemImage_, symbolFontSize, {x + symbolWidth / 2, height() / 2.0}, color);
+    x += symbolWidth + spacing;
+  }
+  line_.draw(painter, {x, centredBaseline(painter, 0, height(), titleStyle)}, color);
+}
+
+}  // namespace brisklet

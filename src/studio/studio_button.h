@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+#include "platform/text_line.h"
+#include "studio/studio_control.h"
+
+namespace brisklet {
+
+enum class ButtonLook { Flat, Solid };
+
+/// A button of the top bar.
+class StudioButton : public StudioControl {
+  Q_OBJECT
+
+ public:
+  /// Points.
+  static constexpr int buttonHeight = 32, radius = 7, spacing = 6, flatMargin = 10, solidMargin = 12;
+
+  /// An empty symbol name means no symbol.
+  StudioButton(const QString& title, const QString& systemImage, ButtonLook look, QWidget* parent = nullptr);
+
+  void setTitle(const QString& title);
+  void setLook(ButtonLook look);
+  /// Enables or disables the button. One that is disabled while it has the keyboard's focus leaves it to
+  /// nobody, instead of to its neighbour, which the next key would press, and takes it back in time.
+  void setUsable(bool usable);
+
+  [[nodiscard]] QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QString systemImage_;
+  ButtonLook look_;
+  TextLine line_;
+  bool wantsFocusBack_ = false;
+};
+
+}  // namespace brisklet

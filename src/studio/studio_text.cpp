@@ -1,0 +1,42 @@
+#include "studio/studio_text.h"
+
+#include <QPainter>
+#include <cmath>
+
+#include "studio/control_painting.h"
+
+namespace brisklet {
+
+StudioText::StudioText(const TextStyle& style, const QColor& color, QWidget* parent, LetterCase letterCase)
+    : QLabel(parent), style_(style), color_(color), letterCase_(letterCase) {
+  setTextFormat(Qt::PlainText);
+  setFixedHeight(rowHeight(style));
+}
+
+void StudioText::setText(const QString& text) {
+  if (text == QLabel::text()) return;
+  QLabel::setText(text);
+  line_ = TabularText(shownText(), style_, width());
+  updateGeometry();
+}
+
+QString StudioText::shownText() const {
+  return letterCase_ == LetterCase::Upper ? text().toUpper() : text();
+}
+
+QSize StudioText::sizeHint() const {
+  return {static_cast<int>(std::ceil(TabularText(shownText(), style_).width())), rowHeight(style_)};
+}
+
+void StudioText::resizeEvent(QResizeEvent* event) {
+  line_ = TabularText(shownText(), style_, width());
+  QLabel::resizeEvent(event);
+}
+
+void StudioText::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  setUpPainter(painter);
+  line_.draw(painter, {0, centredBaseline(painter, 0, height(), style_)}, color_);
+}
+
+}  // namespace brisklet

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QColor>
+#include <QLabel>
+
+#include "platform/text_line.h"
+#include "studio/tabular_text.h"
+
+namespace brisklet {
+
+enum class LetterCase { AsWritten, Upper };
+
+/// A line of text in the studio, at the left of its widget and cut where it does not fit. Numbers are
+/// tabular. A label to assistive technology, with the text as written.
+class StudioText : public QLabel {
+  Q_OBJECT
+
+ public:
+  StudioText(const TextStyle& style, const QColor& color, QWidget* parent = nullptr,
+             LetterCase letterCase = LetterCase::AsWritten);
+
+  /// Hides `QLabel::setText`, which would not set the line anew.
+  void setText(const QString& text);
+
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  [[nodiscard]] QString shownText() const;
+
+  TextStyle style_;
+  QColor color_;
+  LetterCase letterCase_;
+  TabularText line_;
+};
+
+}  // namespace brisklet

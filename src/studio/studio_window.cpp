@@ -1,0 +1,219 @@
+#include "studio/studio_window.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QShortcut>
+#include <QTimer>
+#include <algorithm>
+#include <utility>
+
+#include "studio/alert.h"
+#include "studio/column_area.h"
+#include "studio/inspector.h"
+#include "studio/palette.h"
+#include "studio/rule.h"
+#include "studio/stage.h"
+#include "studio/timeline.h"
+#include "studio/top_bar.h"
+#include "studio/window_frame.h"
+
+namespace brisklet {
+
+namespace {
+
+StudioView::Services withPanels(StudioView::Services services, FilePanels* panels) {
+  services.panels = panels;
+  return services;
+}
+
+}  // namespace
+
+StudioWindow::StudioWindow(StudioView::Services services, const MakePanels& makePanels)
+    : panels_(makePanels(this)),
+      view_(std::make_unique<StudioView>(withPanels(std::move(services), panels_.get()))),
+      topBar_(new TopBar(this)),
+      rule_(new Rule(this)),
+      inspector_(new Inspector),
+      inspectorArea_(new ColumnArea(inspector_, this)),
+      stage_(new Stage(this)),
+      timeline_(new Timeline),
+      timelineArea_(new ColumnArea(timeline_, this)),
+      alert_(new Alert(this)),
+      frame_(new WindowFrame(this)) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setMinimumSize(leastSize);
+  setWindowTitle(tr("Brisklet"));
+  // A click beside all controls takes the focus from a field.
+  setFocusPolicy(Qt::ClickFocus);
+
+  connectTopBar();
+  connectInspector();
+  connectTimeline();
+  connectView();
+  addShortcuts();
+  connect(frame_, &WindowFrame::zoomedChanged, this, [this] { topBar_->setZoomed(frame_->isZoomed()); });
+  connect(alert_, &Alert::dragged, frame_, &WindowFrame::drag);
+  connect(alert_, &Alert::confirmed, this, [this] {
+    asksToStop_ = false;
+    closesAfterExport_ = true;
+    view_->stopExport();
+  });
+  connect(alert_, &Alert::cancelled, this, [this] {
+    if (!std::exchange(asksToStop_, false)) view_->dismissError();
+    showError();
+  });
+
+  stage_->setPlayer(view_->player());
+  showState();
+  setFocus();
+}
+
+StudioWindow::~StudioWindow() {
+  // Nothing of the editor's end is shown any more.
+  view_->disconnect(this);
+  stage_->setPlayer(nullptr);
+}
+
+QSize StudioWindow::openingSize(const QSize& room) {
+  return defaultSize.boundedTo(room).expandedTo(leastSize);
+}
+
+void StudioWindow::connectTopBar() {
+  connect(topBar_, &TopBar::titleEdited, view_.get(), &StudioView::setTitle);
+  connect(topBar_, &TopBar::newPressed, view_.get(), &StudioView::startNew);
+  connect(topBar_, &TopBar::playPressed, view_.get(), &StudioView::play);
+  connect(topBar_, &TopBar::exportPressed, view_.get(), &StudioView::exportMovie);
+  connect(topBar_, &TopBar::minimisePressed, this, &QWidget::showMinimized);
+  connect(topBar_, &TopBar::zoomPressed, frame_, &WindowFrame::toggleZoom);
+  connect(topBar_, &TopBar::closePressed, this, &QWidget::close);
+  connect(topBar_, &TopBar::dragged, frame_, &WindowFrame::drag);
+}
+
+void StudioWindow::connectInspector() {
+  connect(inspector_, &Inspector::wallpaperPicked, view_.get(), &StudioView::pickWallpaper);
+  connect(inspector_, &Inspector::photoChipPressed, view_.get(), &StudioView::pickPhotoChip);
+  connect(inspector_, &Inspector::appPicked, view_.get(), &StudioView::pickApp);
+  connect(inspector_, &Inspector::customAppPicked, view_.get(), &StudioView::pickCustomApp);
+  connect(inspector_, &Inspector::customAppLabelEdited, view_.get(), &StudioView::setCustomAppLabel);
+  connect(inspector_, &Inspector::typePicked, view_.get(), &StudioView::pickType);
+  connect(inspector_, &Inspector::senderEdited, view_.get(), &StudioView::setSenderText);
+  connect(inspector_, &Inspector::messageEdited, view_.get(), &StudioView::setMessageText);
+  connect(inspector_, &Inspector::delayEdited, view_.get(), &StudioView::setDelayText);
+  connect(inspector_, &Inspector::addPingPressed, view_.get(), &StudioView::addPing);
+}
+
+void StudioWindow::connectTimeline() {
+  connect(timeline_, &Timeline::pingPressed, view_.get(), &StudioView::selectPing);
+  connect(timeline_, &Timeline::removePressed, view_.get(), &StudioView::removePing);
+  connect(timeline_, &Timeline::revealRequested, timelineArea_, &ColumnArea::reveal);
+}
+
+void StudioWindow::connectView() {
+  for (const auto signal :
+       {&StudioView::documentChanged, &StudioView::selectionChanged, &StudioView::draftsChanged})
+    connect(view_.get(), signal, this, &StudioWindow::showState);
+  connect(view_.get(), &StudioView::playerReplaced, this, [this] { stage_->setPlayer(view_->player()); });
+  for (const auto signal :
+       {&StudioView::playingChanged, &StudioView::exportProgressChanged, &StudioView::playerReplaced})
+    connect(view_.get(), signal, this, &StudioWindow::showTopBar);
+  connect(view_.get(), &StudioView::exportingChanged, this, [this] {
+    showTopBar();
+    if (view_->exporting()) return;
+    if (std::exchange(asksToStop_, false)) {
+      // It ended while the question was asked: the window closes as was wished, unless there is bad news.
+      alert_->dismiss();
+      closesAfterExport_ = view_->error().isEmpty();
+      showError();
+    }
+    if (std::exchange(closesAfterExport_, false)) QTimer::singleShot(0, this, &QWidget::close);
+  });
+  connect(view_.get(), &StudioView::errorChanged, this, &StudioWindow::showError);
+}
+
+void StudioWindow::addShortcuts() {
+  const auto add = [this](QKeySequence::StandardKey key, const QKeySequence& plain, auto action) {
+    QList<QKeySequence> keys = QKeySequence::keyBindings(key);
+    if (!keys.contains(plain)) keys.append(plain);
+    for (const QKeySequence& each : keys)
+      connect(new QShortcut(each, this), &QShortcut::activated, this, action);
+  };
+  add(QKeySequence::New, Qt::CTRL | Qt::Key_N, [this] { Q_EMIT newWindowRequested(); });
+  add(QKeySequence::Close, Qt::CTRL | Qt::Key_W, [this] { close(); });
+  add(QKeySequence::Quit, Qt::CTRL | Qt::Key_Q, [this] { Q_EMIT quitRequested(); });
+}
+
+void StudioWindow::showState() {
+  const SequenceDocument& document = view_->document();
+  showTopBar();
+  inspector_->setState({.wallpaper = document.wallpaper,
+                        .wallpaperUrl = document.wallpaperUrl,
+                        .selectedAppId = view_->selectedAppId(),
+                        .selectedTypeId = view_->selectedTypeId(),
+                        .customAppLabel = view_->customAppLabel(),
+                        .sender = view_->senderText(),
+                        .message = view_->messageText(),
+                        .selectedPingId = view_->selectedPingId(),
+                        .delay = view_->delayText()});
+  stage_->setDocument(document);
+  timeline_->setState(view_->summary(), document.notifications, view_->selectedPingId());
+}
+
+void StudioWindow::showTopBar() {
+  const std::optional<double> progress =
+      view_->exporting() ? std::optional(view_->exportProgress()) : std::nullopt;
+  topBar_->setState({.title = view_->document().title,
+                     .summary = view_->summary(),
+                     .isPlaying = view_->isPlaying(),
+                     .canPlay = view_->canPlay(),
+                     .canExport = view_->canExport(),
+                     .exportProgress = progress});
+  rule_->setProgress(progress);
+}
+
+void StudioWindow::showError() {
+  if (asksToStop_) return;
+  if (view_->error().isEmpty())
+    alert_->dismiss();
+  else
+    alert_->open(
+        {.title = tr("Something went wrong"), .message = view_->error(), .confirm = {}, .cancel = tr("OK")});
+}
+
+void StudioWindow::askToStop() {
+  asksToStop_ = true;
+  alert_->open({.title = tr("Stop the export?"),
+                .message = tr("The movie is not finished yet."),
+                .confirm = tr("Stop"),
+                .cancel = tr("Keep Exporting")});
+}
+
+void StudioWindow::closeEvent(QCloseEvent* event) {
+  if (!view_->exporting()) return;
+  event->ignore();
+  if (!closesAfterExport_) askToStop();
+}
+
+void StudioWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
+  if (view_->selectedPingId())
+    view_->clearSelection();
+  else
+    setFocus(Qt::OtherFocusReason);
+}
+
+void StudioWindow::paintEvent(QPaintEvent*) {
+  QPainter(this).fillRect(rect(), Studio::white);
+}
+
+void StudioWindow::resizeEvent(QResizeEvent*) {
+  const int top = TopBar::barHeight + Rule::thickness;
+  const int column = ColumnArea::columnWidth;
+  topBar_->setGeometry(0, 0, width(), TopBar::barHeight);
+  rule_->setGeometry(0, TopBar::barHeight, width(), Rule::thickness);
+  inspectorArea_->setGeometry(0, top, column, height() - top);
+  stage_->setGeometry(column, top, width() - 2 * column, height() - top);
+  timelineArea_->setGeometry(width() - column, top, column, height() - top);
+}
+
+}  // namespace brisklet

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+#include "platform/file_panels.h"
+#include "studio/studio_view.h"
+
+namespace brisklet {
+
+class Alert;
+class ColumnArea;
+class Inspector;
+class Rule;
+class Stage;
+class Timeline;
+class TopBar;
+class WindowFrame;
+
+/// An editor's window: it shows what the editor holds and hands the user's wishes to it. All of the wiring
+/// between widgets and editor is here.
+class StudioWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  static constexpr QSize leastSize{1180, 780}, defaultSize{1320, 860};  // points
+
+  using MakePanels = std::function<std::unique_ptr<FilePanels>(QWidget* window)>;
+
+  /// The services without their panels, which belong to the window.
+  StudioWindow(StudioView::Services services, const MakePanels& makePanels);
+  ~StudioWindow() override;
+
+  [[nodiscard]] StudioView& view() { return *view_; }
+  /// The size of a new window on a screen with this much room.
+  [[nodiscard]] static QSize openingSize(const QSize& room);
+
+ Q_SIGNALS:
+  void newWindowRequested();
+  void quitRequested();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void connectTopBar();
+  void connectInspector();
+  void connectTimeline();
+  void connectView();
+  void addShortcuts();
+  void showState();
+  void showTopBar();
+  void showError();
+  void askToStop();
+
+  // The editor is destroyed before its panels.
+  std::unique_ptr<FilePanels> panels_;
+  std::unique_ptr<StudioView> view_;
+  TopBar* topBar_;
+  Rule* rule_;
+  Inspector* inspector_;
+  ColumnArea* inspectorArea_;
+  Stage* stage_;
+  Timeline* timeline_;
+  ColumnArea* timelineArea_;
+  Alert* alert_;
+  WindowFrame* frame_;
+  qsizetype shownPings_ = 0;
+  bool asksToStop_ = false;
+  bool closesAfterExport_ = false;
+};
+
+}  // namespace brisklet

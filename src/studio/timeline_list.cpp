@@ -1,0 +1,303 @@
+#include "studio/timeline_list.h"
+
+#include <QAccessible>
+#include <QHash>
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+#include <algorithm>
+
+#include "studio/control_painting.h"
+#include "studio/focus_mark.h"
+#include "studio/timeline_accessible.h"
+
+namespace brisklet {
+
+namespace {
+
+/// More rows than any screen shows.
+constexpr qsizetype mostShownRows = 128;
+
+bool looksTheSame(const Ping& a, const Ping& b) {
+  return a.delayMs == b.delayMs && a.title == b.title && a.message == b.message && a.appId == b.appId &&
+         a.appLabel == b.appLabel && a.icon == b.icon && a.color == b.color;
+}
+
+}  // namespace
+
+TimelineList::TimelineList(QWidget* parent)
+    : QWidget(parent), mark_(new FocusMark(this, TimelineRow::radius)), shownRows_(mostShownRows) {
+  installTimelineAccessibility();
+  setAccessibleName(tr("Pings"));
+  setMouseTracking(true);
+  setFocusPolicy(Qt::StrongFocus);
+  QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  policy.setHeightForWidth(true);
+  setSizePolicy(policy);
+}
+
+void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QString>& selectedId) {
+  // Heights are known for the rows that are there; most changes leave the others in their places.
+  QHash<QString, qsizetype> formerRows;
+  const auto formerRow = [&](qsizetype i, const QString& id) {
+    if (i < rows_.size() && rows_[i].ping.id == id) return i;
+    if (formerRows.isEmpty()) {
+      for (qsizetype each = 0; each < rows_.size(); ++each) formerRows.insert(rows_[each].ping.id, each);
+    }
+    return formerRows.value(id, -1);
+  };
+
+  const bool countDiffers = pings.size() != rows_.size();
+  const qsizetype formerCurrent = currentRow();
+  QList<Row> next;
+  next.reserve(pings.size());
+  int top = 0;
+  QRect dirty;
+  for (qsizetype i = 0; i < pings.size(); ++i) {
+    const Ping& ping = pings[i];
+    const qsizetype former = formerRow(i, ping.id);
+    Row row{ping, top, 0};
+    if (former >= 0 && looksTheSame(rows_[former].ping, ping)) {
+      row.height = rows_[former].height;
+    } else {
+      shownRows_.remove(ping.id);
+      row.height = laidOutWidth_ > 0 ? laidOut(row).height() : 0;
+      dirty |= QRect(0, top, width(), row.height);
+    }
+    // Everything below a row that has moved has moved, too.
+    if (former >= 0 && rows_[former].top != top) dirty |= QRect(0, top, width(), height());
+    top += row.height + rowSpacing;
+    next.append(std::move(row));
+  }
+  const int formerHeight = heightForWidth(width());
+  rows_ = std::move(next);
+  if (heightForWidth(width()) != formerHeight) updateGeometry();
+  if (countDiffers) dirty |= QRect(0, std::min(top, formerHeight), width(), height());
+
+  if (selectedId != selectedId_) {
+    if (selectedId_) updateRow(rowOf(*selectedId_));
+    selectedId_ = selectedId;
+    if (selectedId_) updateRow(rowOf(*selectedId_));
+    if (selectedId_ && rowOf(*selectedId_) >= 0) currentId_ = *selectedId_;
+  }
+  // The place of a current row that has gone goes to the row that came after it.
+  if (rowOf(currentId_) < 0)
+    currentId_ = rows_.isEmpty() || formerCurrent < 0
+                     ? QString()
+                     : rows_[std::min(formerCurrent, rows_.size() - 1)].ping.id;
+  if (countDiffers) {
+    hovered_ = underMouse() ? spotAt(mapFromGlobal(QCursor::pos())) : Spot{};
+    pressed_ = {};
+    announceTimelineRows(*this);
+  }
+  markCurrentRow();
+  update(dirty);
+}
+
+qsizetype TimelineList::rowOf(const QString& pingId) const {
+  const auto found =
+      std::find_if(rows_.begin(), rows_.end(), [&](const Row& row) { return row.ping.id == pingId; });
+  return found == rows_.end() ? -1 : found - rows_.begin();
+}
+
+QRect TimelineList::rowRect(qsizetype row) const {
+  return {0, rows_[row].top, width(), rows_[row].height};
+}
+
+QRect TimelineList::removeRect(qsizetype row) const {
+  return TimelineRow::removeRect(width()).translated(0, rows_[row].top);
+}
+
+qsizetype TimelineList::currentRow() const {
+  const qsizetype current = rowOf(currentId_);
+  return current < 0 && !rows_.isEmpty() ? 0 : current;
+}
+
+void TimelineList::setCurrentRow(qsizetype row) {
+  if (row < 0 || row >= rows_.size()) return;
+  currentId_ = rows_[row].ping.id;
+  markCurrentRow();
+  Q_EMIT revealRequested(rowRect(row));
+  announceCurrentTimelineRow(*this);
+}
+
+void TimelineList::pressRow(qsizetype row) {
+  if (row >= 0 && row < rows_.size()) Q_EMIT rowPressed(Ping(rows_[row].ping));
+}
+
+void TimelineList::pressRemove(qsizetype row) {
+  if (row >= 0 && row < rows_.size()) Q_EMIT removePressed(QString(rows_[row].ping.id));
+}
+
+int TimelineList::heightForWidth(int) const {
+  return rows_.isEmpty() ? 0 : rows_.last().top + rows_.last().height;
+}
+
+void TimelineList::layOut(int width) {
+  laidOutWidth_ = width;
+  shownRows_.clear();
+  int top = 0;
+  for (Row& row : rows_) {
+    row.top = top;
+    row.height = laidOut(row).height();
+    top += row.height + rowSpacing;
+  }
+  markCurrentRow();
+  updateGeometry();
+  update();
+}
+
+const TimelineRow& TimelineList::laidOut(const Row& row) {
+  if (TimelineRow* shown = shownRows_.object(row.ping.id)) return *shown;
+  auto* made = new TimelineRow(row.ping, laidOutWidth_);
+  shownRows_.insert(row.ping.id, made);
+  return *made;
+}
+
+void TimelineList::resizeEvent(QResizeEvent*) {
+  if (width() != laidOutWidth_) layOut(width());
+}
+
+TimelineList::Spot TimelineList::spotAt(const QPoint& at) const {
+  const auto after = std::upper_bound(rows_.begin(), rows_.end(), at.y(),
+                                      [](int y, const Row& row) { return y < row.top + row.height; });
+  if (after == rows_.end() || at.y() < after->top || at.x() < 0 || at.x() >= width()) return {};
+  const qsizetype row = after - rows_.begin();
+  return {row, removeRect(row).contains(at)};
+}
+
+void TimelineList::updateRow(qsizetype row) {
+  if (row >= 0 && row < rows_.size()) update(rowRect(row));
+}
+
+void TimelineList::markCurrentRow() {
+  const qsizetype row = currentRow();
+  mark_->setArea(row < 0 ? QRect() : rowRect(row));
+}
+
+void TimelineList::setHovered(const Spot& spot) {
+  if (spot == hovered_) return;
+  updateRow(hovered_.row);
+  hovered_ = spot;
+  updateRow(hovered_.row);
+}
+
+void TimelineList::setPressed(const Spot& spot) {
+  updateRow(pressed_.row);
+  pressed_ = spot;
+  updateRow(pressed_.row);
+}
+
+void TimelineList::paintEvent(QPaintEvent* event) {
+  QPainter painter(this);
+  setUpPainter(painter);
+  const QRect area = event->rect();
+  auto row = std::upper_bound(rows_.begin(), rows_.end(), area.top(),
+                              [](int y, const Row& each) { return y < each.top + each.height; });
+  for (; row != rows_.end() && row->top <= area.bottom(); ++row) {
+    const qsizetype index = row - rows_.begin();
+    const bool isHovered = hovered_.row == index, isPressed = pressed_.row == index && hovered_ == pressed_;
+    painter.save();
+    painter.translate(0, row->top);
+    laidOut(*row).paint(painter,
+                        {.isSelected = isSelected(index),
+                         .isHovered = isHovered,
+                         .isPressed = isPressed && !pressed_.isRemove,
+                         .isRemoveHovered = isHovered && hovered_.isRemove,
+                         .isRemovePressed = isPressed && pressed_.isRemove},
+                        glyphs_);
+    painter.restore();
+  }
+}
+
+bool TimelineList::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  const auto* help = static_cast<QHelpEvent*>(event);
+  const Spot spot = spotAt(help->pos());
+  if (spot.isRemove)
+    QToolTip::showText(help->globalPos(), tr("Remove"), this, removeRect(spot.row));
+  else
+    QToolTip::hideText();
+  return true;
+}
+
+void TimelineList::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton) return;
+  setHovered(spotAt(event->position().toPoint()));
+  setPressed(hovered_);
+  mark_->setByKeyboard(false);
+  if (pressed_.row >= 0) setCurrentRow(pressed_.row);
+}
+
+void TimelineList::mouseMoveEvent(QMouseEvent* event) {
+  const Spot spot = spotAt(event->position().toPoint());
+  // What is held down does not light up others on the way.
+  if (!(event->buttons() & Qt::LeftButton) || spot == pressed_)
+    setHovered(spot);
+  else
+    setHovered({});
+}
+
+void TimelineList::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton) return;
+  const Spot released = spotAt(event->position().toPoint());
+  const Spot pressed = pressed_;
+  setPressed({});
+  setHovered(released);
+  if (pressed.row < 0 || released != pressed) return;
+  if (pressed.isRemove)
+    pressRemove(pressed.row);
+  else
+    pressRow(pressed.row);
+}
+
+void TimelineList::leaveEvent(QEvent*) {
+  setHovered({});
+}
+
+void TimelineList::keyPressEvent(QKeyEvent* event) {
+  constexpr qsizetype page = 8;
+  const qsizetype current = currentRow();
+  const auto walkTo = [&](qsizetype row) {
+    mark_->setByKeyboard(true);
+    setCurrentRow(std::clamp<qsizetype>(row, 0, rows_.size() - 1));
+  };
+  if (current < 0) {
+    event->ignore();
+    return;
+  }
+  switch (event->key()) {
+    case Qt::Key_Up:
+      return walkTo(current - 1);
+    case Qt::Key_Down:
+      return walkTo(current + 1);
+    case Qt::Key_PageUp:
+      return walkTo(current - page);
+    case Qt::Key_PageDown:
+      return walkTo(current + page);
+    case Qt::Key_Home:
+      return walkTo(0);
+    case Qt::Key_End:
+      return walkTo(rows_.size() - 1);
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (!event->isAutoRepeat()) pressRow(current);
+      return;
+    case Qt::Key_Delete:
+      mark_->setByKeyboard(true);
+      return pressRemove(current);
+    default:
+      event->ignore();
+  }
+}
+
+void TimelineList::focusInEvent(QFocusEvent* event) {
+  markCurrentRow();
+  if (event->reason() == Qt::MouseFocusReason || currentRow() < 0) return;
+  Q_EMIT revealRequested(rowRect(currentRow()));
+  announceCurrentTimelineRow(*this);
+}
+
+}  // namespace brisklet
