@@ -79,7 +79,8 @@ void drawSymbol(QPainter& painter, const QString& name, double fontSizePt, const
     pictures.insert(key, new QImage(picture), picture.sizeInBytes());
   }
   painter.save();
-  painter.resetTransform();
+  // Not a reset, which would keep a widget's offset within its window.
+  painter.setWorldTransform(toDevice.inverted() * painter.worldTransform());
   painter.drawImage(pixels.topLeft(), picture);
   painter.restore();
 }

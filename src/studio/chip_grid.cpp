@@ -39,9 +39,6 @@ QList<QRect> chipPlaces(const ChipRows& rows, int width, int count) {
 ChipGrid::ChipGrid(const QString& name, const ChipRows& rows, QWidget* parent)
     : QWidget(parent), rows_(rows) {
   setAccessibleName(name);
-  QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-  policy.setHeightForWidth(true);
-  setSizePolicy(policy);
 }
 
 void ChipGrid::add(Chip* chip) {
@@ -51,13 +48,11 @@ void ChipGrid::add(Chip* chip) {
   place();
   chip->show();
   selectionChanged();
-  updateGeometry();
 }
 
 void ChipGrid::clear() {
   qDeleteAll(chips_);
   chips_.clear();
-  updateGeometry();
 }
 
 void ChipGrid::selectionChanged() {
@@ -72,11 +67,6 @@ void ChipGrid::setTabStop(const Chip* stop) {
   for (Chip* chip : chips_) chip->setFocusPolicy(chip == stop ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
-int ChipGrid::heightForWidth(int width) const {
-  if (chips_.isEmpty()) return 0;
-  return chipPlaces(rows_, width, static_cast<int>(chips_.size())).last().bottom() + 1;
-}
-
 void ChipGrid::resizeEvent(QResizeEvent*) {
   place();
 }
@@ -84,6 +74,7 @@ void ChipGrid::resizeEvent(QResizeEvent*) {
 void ChipGrid::place() {
   const QList<QRect> places = chipPlaces(rows_, width(), static_cast<int>(chips_.size()));
   for (qsizetype i = 0; i < chips_.size(); ++i) chips_[i]->setGeometry(places[i]);
+  setFixedHeight(places.isEmpty() ? 0 : places.last().bottom() + 1);
 }
 
 Chip* ChipGrid::neighbour(const Chip* of, int key) const {

@@ -40,15 +40,12 @@ class ChipGrid : public QWidget {
   /// To be called when another chip may be selected.
   void selectionChanged();
 
-  [[nodiscard]] bool hasHeightForWidth() const override { return true; }
-  [[nodiscard]] int heightForWidth(int width) const override;
-  [[nodiscard]] QSize sizeHint() const override { return {0, heightForWidth(width())}; }
-
  protected:
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  /// Gives the chips their places, and the grid the height that they need.
   void place();
   void setTabStop(const Chip* stop);
   /// The chip that lies next to another in the direction of an arrow key; null at the edge.

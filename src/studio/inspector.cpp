@@ -16,10 +16,10 @@ namespace brisklet {
 
 namespace {
 
-/// Shows or hides a field. One that disappears leaves the focus to nobody.
-void setShown(StudioField* field, bool shown) {
+/// Shows or hides a field with what is around it. One that disappears leaves the focus to nobody.
+void setShown(QWidget* area, StudioField* field, bool shown) {
   if (!shown && field->edit()->hasFocus()) field->edit()->clearFocus();
-  field->setVisible(shown);
+  area->setVisible(shown);
 }
 
 using Shape = ChipRows::Shape;
@@ -37,6 +37,7 @@ Inspector::Inspector(QWidget* parent)
       wallpapers_(new ChipGrid(tr("Lock screen"), wallpaperRows)),
       apps_(new ChipGrid(tr("App"), appRows)),
       customAppLabel_(new StudioField(tr("App name"))),
+      customAppLabelArea_(new QWidget),
       types_(new ChipGrid(tr("Type"), typeRows)),
       sender_(new StudioField(tr("Sender"))),
       message_(new StudioField(tr("Text"))),
@@ -53,11 +54,11 @@ Inspector::Inspector(QWidget* parent)
   auto* app = new InspectorBlock(tr("App"));
   app->content()->addWidget(apps_);
   addApps(apps_);
-  auto* appName = new QVBoxLayout;
+  auto* appName = new QVBoxLayout(customAppLabelArea_);
   appName->setContentsMargins(0, appNameMargin, 0, 0);
   appName->addWidget(customAppLabel_);
-  app->content()->addLayout(appName);
-  customAppLabel_->hide();
+  app->content()->addWidget(customAppLabelArea_);
+  customAppLabelArea_->hide();
   column->addWidget(app);
 
   auto* type = new InspectorBlock(tr("Type"));
@@ -120,7 +121,7 @@ void Inspector::setState(const State& state) {
   }
   apps_->selectionChanged();
   customAppLabel_->setText(state.customAppLabel);
-  setShown(customAppLabel_, state.selectedAppId == custom);
+  setShown(customAppLabelArea_, customAppLabel_, state.selectedAppId == custom);
 
   showTypes(state.selectedAppId);
   for (Chip* chip : types_->chips())
@@ -149,7 +150,7 @@ void Inspector::showDelay(const State& state) {
   delayOfPing_ = state.selectedPingId;
   storedDelay_ = state.delay;
   if (!typing) delay_->setText(state.delay);
-  setShown(delay_, state.selectedPingId.has_value());
+  setShown(delay_, delay_, state.selectedPingId.has_value());
 }
 
 }  // namespace brisklet

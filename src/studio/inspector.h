@@ -59,6 +59,8 @@ class Inspector : public QWidget {
   ChipGrid* apps_;
   CustomAppChip* customApp_ = nullptr;
   StudioField* customAppLabel_;
+  /// Holds the field and the space above it.
+  QWidget* customAppLabelArea_;
   ChipGrid* types_;
   QString typesOfApp_;
   StudioField* sender_;

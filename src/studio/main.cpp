@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
     return VideoExporter::exportMovie(std::move(document), std::move(path), std::move(progress),
                                       std::move(stop));
   };
-  services.decodeImage = decodeImageFile;
+  services.decodeImage = [](const QString& path) { return decodeImageFile(path); };
   services.imageSuffixes = readableImageSuffixes();
   services.saveWallpaper = WallpaperStore::save;
 

@@ -32,9 +32,6 @@ TimelineList::TimelineList(QWidget* parent)
   setAccessibleName(tr("Pings"));
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
-  QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-  policy.setHeightForWidth(true);
-  setSizePolicy(policy);
 }
 
 void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QString>& selectedId) {
@@ -70,10 +67,8 @@ void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QStrin
     top += row.height + rowSpacing;
     next.append(std::move(row));
   }
-  const int formerHeight = heightForWidth(width());
   rows_ = std::move(next);
-  if (heightForWidth(width()) != formerHeight) updateGeometry();
-  if (countDiffers) dirty |= QRect(0, std::min(top, formerHeight), width(), height());
+  setFixedHeight(rowsHeight());
 
   if (selectedId != selectedId_) {
     if (selectedId_) updateRow(rowOf(*selectedId_));
@@ -130,7 +125,7 @@ void TimelineList::pressRemove(qsizetype row) {
   if (row >= 0 && row < rows_.size()) Q_EMIT removePressed(QString(rows_[row].ping.id));
 }
 
-int TimelineList::heightForWidth(int) const {
+int TimelineList::rowsHeight() const {
   return rows_.isEmpty() ? 0 : rows_.last().top + rows_.last().height;
 }
 
@@ -143,8 +138,8 @@ void TimelineList::layOut(int width) {
     row.height = laidOut(row).height();
     top += row.height + rowSpacing;
   }
+  setFixedHeight(rowsHeight());
   markCurrentRow();
-  updateGeometry();
   update();
 }
 

@@ -39,10 +39,6 @@ class TimelineList : public QWidget {
   void pressRow(qsizetype row);
   void pressRemove(qsizetype row);
 
-  [[nodiscard]] bool hasHeightForWidth() const override { return true; }
-  [[nodiscard]] int heightForWidth(int width) const override;
-  [[nodiscard]] QSize sizeHint() const override { return {0, heightForWidth(width())}; }
-
  Q_SIGNALS:
   void rowPressed(const Ping& ping);
   void removePressed(const QString& pingId);
@@ -81,6 +77,7 @@ class TimelineList : public QWidget {
   void markCurrentRow();
   /// Measures the rows again for this width.
   void layOut(int width);
+  [[nodiscard]] int rowsHeight() const;
   const TimelineRow& laidOut(const Row& row);
 
   QList<Row> rows_;
