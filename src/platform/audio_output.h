@@ -32,8 +32,9 @@ class AudioOutput {
 
 using MakeAudioOutput = std::function<std::unique_ptr<AudioOutput>(AudioSource& source)>;
 
-/// The desktop's sound server; `source` outlives the output. What sounds next is heard at most 40 ms after
-/// the source gave it. Without a server it is silent; a server that comes back is found at the next `wake`.
+/// The desktop's sound server; `source` outlives the output. What sounds next is heard well within 50 ms
+/// after the source gave it. Without a server it is silent; a server that comes back is found at the next
+/// `wake`.
 [[nodiscard]] std::unique_ptr<AudioOutput> makeAudioOutput(AudioSource& source);
 
 }  // namespace brisklet

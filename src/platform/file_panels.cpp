@@ -37,6 +37,8 @@ class DesktopFilePanels final : public QObject, public FilePanels {
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setDefaultSuffix(panel.suffix);
+    // The dialog would ask about the name as typed, and in an event loop of its own.
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
     dialog->selectFile(panel.proposedName);
     show(dialog, [this, panel, done = std::move(done)](const std::optional<QString>& path) {
       if (path)
@@ -78,13 +80,11 @@ class DesktopFilePanels final : public QObject, public FilePanels {
     dialog->open();
   }
 
-  /// Completes the name. The dialog has asked about replacing the file of the name that was typed, so only
-  /// the file of a completed one remains to be asked about.
+  /// Completes the name, and asks before a file is replaced. When the user declines, the panel comes back.
   void finishSaving(const SavePanel& panel, const QString& chosen, const Done& done) {
     saveFolder_ = QFileInfo(chosen).absolutePath();
     const QString ending = u'.' + panel.suffix;
-    if (chosen.endsWith(ending, Qt::CaseInsensitive)) return done(chosen);
-    const QString path = chosen + ending;
+    const QString path = chosen.endsWith(ending, Qt::CaseInsensitive) ? chosen : chosen + ending;
     if (!QFileInfo::exists(path)) return done(path);
 
     const QString name = QFileInfo(path).fileName();
