@@ -22,6 +22,8 @@ struct Look {
   double hairline;    // width of the bright line along the rim
   double glowDepth;   // how fast the light fades inwards
   float glow;         // its strength
+  double gleamDepth;  // how fast the brightness behind the rim fades inwards
+  float gleam;        // how much of that brightness the rim catches
   float shade;        // darkness inside the rim that is turned away from the light
   float baseLight;    // the rim's brightness all around,
   float nearLight;    // more where it faces the light,
@@ -38,6 +40,8 @@ constexpr Look materialLook{.blur = 20,
                             .hairline = 0.7,
                             .glowDepth = 5,
                             .glow = 0.10F,
+                            .gleamDepth = 4,
+                            .gleam = 0.20F,
                             .shade = 0.07F,
                             .baseLight = 0.10F,
                             .nearLight = 0.30F,
@@ -53,6 +57,8 @@ constexpr Look regularLook{.blur = 8,
                            .hairline = 0.8,
                            .glowDepth = 4,
                            .glow = 0.16F,
+                           .gleamDepth = 4,
+                           .gleam = 0.24F,
                            .shade = 0.10F,
                            .baseLight = 0.12F,
                            .nearLight = 0.62F,
@@ -71,6 +77,9 @@ constexpr float lightX = -0.42F, lightY = -0.9075F;
 /// The gap at which two plates begin to flow into one another, and the shadow's reach; points.
 constexpr double flowDistance = 10, shadowReach = 27;
 
+/// Light that fades inwards ends after this many times its range.
+constexpr double fadeRanges = 3;
+
 /// Steps of depth and distance a pixel in the tables of light and shadow.
 constexpr int stepsPerPixel = 16;
 
@@ -85,6 +94,10 @@ float luminance(float red, float green, float blue) {
   return 0.2126F * linear(red) + 0.7152F * linear(green) + 0.0722F * linear(blue);
 }
 
+float lumaOf(float red, float green, float blue) {
+  return 0.2126F * red + 0.7152F * green + 0.0722F * blue;
+}
+
 /// The brightness of a plate over a backdrop of this brightness: lifted in the dark, level where white text
 /// would begin to fade.
 float plateLuma(float luma) {
@@ -93,6 +106,12 @@ float plateLuma(float luma) {
   constexpr float knee = 0.22F;
   const float near = std::max(knee - std::abs(lifted - ceiling), 0.0F) / knee;
   return std::min(lifted, ceiling) - near * near * knee / 4;
+}
+
+/// How much a bright backdrop makes the rim of a plate gleam: as far as the plate itself has to stay darker.
+float gleamOf(float luma) {
+  const float share = std::clamp((luma - 0.3F) / 0.6F, 0.0F, 1.0F);
+  return share * share * (3 - 2 * share);
 }
 
 /// The contrast, by luminance, of white text at the faintest opacity that cards use, over this colour.
@@ -109,8 +128,8 @@ struct PlateColor {
 /// What a plate makes of a blurred backdrop colour.
 PlateColor plateColor(float red, float green, float blue, float saturation) {
   // A little above 3:1, for the light along the rim and the rounding to eight bits.
-  constexpr float leastContrast = 3.15F;
-  const float luma = 0.2126F * red + 0.7152F * green + 0.0722F * blue;
+  constexpr float leastContrast = 3.3F;
+  const float luma = lumaOf(red, green, blue);
   const float level = plateLuma(luma);
   // A darkened colour keeps its saturation by keeping the ratio of its channels, not their distance, and a
   // frosted one looks right with a little less. Colours that would leave the gamut lose saturation, not hue.
@@ -158,20 +177,30 @@ uchar mixed(uchar one, std::uint16_t oneShare, uchar other, std::uint16_t otherS
   return uchar(std::uint16_t(high(one, oneShare) + high(other, otherShare) + added) >> 8);
 }
 
-/// Sets the target's pixels from `begin` to `end` to shares of the source, of what is there, and of white.
+/// Sets the target's pixels from `begin` to `end` to shares of the source, of what is there, of white, and of
+/// white as far as the source gleams.
 void blendEvenly(QRgb* target, const QRgb* source, int begin, int end, int y, float sourceShare,
-                 float targetShare, float white) {
+                 float targetShare, float white, float gleam) {
   const std::uint16_t one = fixedShare(sourceShare), other = fixedShare(targetShare);
   std::array<std::uint16_t, 32> added = ditherRow(begin, y);
   for (std::uint16_t& value : added) value = std::uint16_t(value + white * (255 * 256));
-  const auto* from = reinterpret_cast<const uchar*>(source + begin);
+  const auto gleaming = std::uint16_t(gleam * 256);
   auto* to = reinterpret_cast<uchar*>(target + begin);
   const int bytes = 4 * (end - begin);
-  int i = 0;
-  for (; i + 32 <= bytes; i += 32) {
-    for (int k = 0; k < 32; ++k) to[i + k] = mixed(from[i + k], one, to[i + k], other, added[std::size_t(k)]);
+  // In blocks as long as the dither, so that the compiler makes them vectors.
+  for (int i = 0; i < bytes; i += 32) {
+    const int size = std::min(32, bytes - i);
+    std::array<QRgb, 8> block{}, gleams{};
+    std::copy_n(source + begin + i / 4, size / 4, block.begin());
+    for (std::size_t k = 0; k < 8; ++k) gleams[k] = (block[k] >> 24) * 0x01010101U;
+    const auto* from = reinterpret_cast<const uchar*>(block.data());
+    const auto* shine = reinterpret_cast<const uchar*>(gleams.data());
+    std::array<uchar, 32> out{};
+    std::copy_n(to + i, size, out.begin());
+    for (std::size_t k = 0; k < 32; ++k)
+      out[k] = mixed(from[k], one, out[k], other, std::uint16_t(added[k] + shine[k] * gleaming));
+    std::copy_n(out.begin(), size, to + i);
   }
-  for (; i < bytes; ++i) to[i] = mixed(from[i], one, to[i], other, added[std::size_t(i % 32)]);
   for (int x = begin; x < end; ++x) target[x] |= 0xff000000;
 }
 
@@ -246,7 +275,9 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
   const QImage small = wallpaper.scaled(cells, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
                            .convertToFormat(QImage::Format_RGB32);
 
-  std::array<FloatPlane, 3> planes;
+  // Red, green, blue and gleam.
+  std::array<FloatPlane, 4> planes;
+  planes[3] = FloatPlane(cells.width(), cells.height());
   for (std::size_t channel = 0; channel < 3; ++channel) {
     FloatPlane plane(cells.width(), cells.height());
     for (int y = 0; y < cells.height(); ++y) {
@@ -257,8 +288,9 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
     planes[channel] = blurred(plane, look.blur / gridStep);
   }
   for (std::size_t i = 0; i < planes[0].samples.size(); ++i) {
-    const PlateColor color =
-        plateColor(planes[0].samples[i], planes[1].samples[i], planes[2].samples[i], look.saturation);
+    const float red = planes[0].samples[i], green = planes[1].samples[i], blue = planes[2].samples[i];
+    planes[3].samples[i] = gleamOf(lumaOf(red, green, blue));
+    const PlateColor color = plateColor(red, green, blue, look.saturation);
     planes[0].samples[i] = color.red;
     planes[1].samples[i] = color.green;
     planes[2].samples[i] = color.blue;
@@ -268,10 +300,10 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
   const double cellsPerPixelX = double(cells.width()) / pixels.width();
   const double cellsPerPixelY = double(cells.height()) / pixels.height();
   const PlaneEnlarger enlarger(cells.width(), pixels.width(), cellsPerPixelX);
-  std::array<std::vector<float>, 3> rows;
+  std::array<std::vector<float>, 4> rows;
   for (auto& row : rows) row.resize(std::size_t(pixels.width()));
   for (int y = 0; y < pixels.height(); ++y) {
-    for (std::size_t channel = 0; channel < 3; ++channel)
+    for (std::size_t channel = 0; channel < 4; ++channel)
       enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
     auto* line = reinterpret_cast<QRgb*>(backdrop.scanLine(y));
     for (int x = 0; x < pixels.width(); ++x) {
@@ -279,7 +311,7 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
       const auto level = [&](std::size_t channel) {
         return std::clamp(int(rows[channel][std::size_t(x)] * 255 + dither), 0, 255);
       };
-      line[x] = qRgb(level(0), level(1), level(2));
+      line[x] = qRgba(level(0), level(1), level(2), level(3));
     }
   }
   return backdrop;
@@ -347,7 +379,8 @@ void LockGlass::buildField(double radius) {
 
 void LockGlass::buildLight(double pixelsPerPoint, GlassStyle style) {
   const Look& look = lookOf(style);
-  const double deepest = std::max(look.bendDepth, 4.5 * look.glowDepth) * pixelsPerPoint;
+  const double deepest =
+      std::max(look.bendDepth, fadeRanges * std::max(look.glowDepth, look.gleamDepth)) * pixelsPerPoint;
   for (int step = 0; step <= int(deepest * stepsPerPixel); ++step) {
     const double depth = step / (stepsPerPixel * pixelsPerPoint);
     Depth light{};
@@ -357,8 +390,12 @@ void LockGlass::buildLight(double pixelsPerPoint, GlassStyle style) {
       light.bend = float(look.bend * pixelsPerPoint * (1 - std::sqrt(1 - outwards * outwards)));
     }
     light.hairline = float(std::clamp(1.5 - depth / look.hairline, 0.0, 1.0));
-    const double fade = std::max(0.0, 1 - depth / (4.5 * look.glowDepth));
-    const double spread = std::exp(-depth / look.glowDepth) * fade;
+    // An exponential that ends.
+    const auto faded = [depth](double range) {
+      return std::exp(-depth / range) * std::max(0.0, 1 - depth / (fadeRanges * range));
+    };
+    const double spread = faded(look.glowDepth);
+    light.gleam = look.gleam * float(faded(look.gleamDepth));
     light.glow = look.glow * float(spread);
     light.shade = look.shade * float(spread);
     depths_.push_back(light);
@@ -428,7 +465,7 @@ LockGlass::Shine LockGlass::shine(const Depth& depth, float outX, float outY) co
   const float rim = baseLight_ + square * (facing > 0 ? nearLight_ : farLight_);
   const float white = depth.hairline * rim + depth.glow * (facing > 0 ? 0.35F + 0.65F * square : 0.35F);
   const float black = facing < 0 ? depth.shade * square : 0.0F;
-  return {(1 - white) * (1 - black), white};
+  return {(1 - white) * (1 - black), white, depth.gleam * (1 - white)};
 }
 
 void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
@@ -480,10 +517,13 @@ void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
     const QRgb* from = bendY == 0 ? behind : backdropRow(y - bendY);
     const Shine leftShine = shine(*column.depth, outX, outY);
     const Shine rightShine = shine(*column.depth, -outX, outY);
-    mix.set(at, from[std::clamp(leftX - bendX, 0, width - 1)], column.cover * leftShine.keep, column.around,
-            column.cover * leftShine.white);
-    mix.set(mirrored, from[std::clamp(rightX + bendX, 0, width - 1)], column.cover * rightShine.keep,
-            column.around, column.cover * rightShine.white);
+    const auto set = [&](std::size_t place, int x, const Shine& lit) {
+      const QRgb source = from[std::clamp(x, 0, width - 1)];
+      const float white = lit.white + lit.gleam * float(source >> 24) / 255;
+      mix.set(place, source, column.cover * lit.keep, column.around, column.cover * white);
+    };
+    set(at, leftX - bendX, leftShine);
+    set(mirrored, rightX + bendX, rightShine);
   }
   mix.blend(target, width, left - margin_, y, 0, columns_);
   mix.blend(target, width, rightmost - columns_ + 1, y, columns_, columns_);
@@ -493,18 +533,18 @@ void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
   if (middleBegin >= middleEnd) return;
   Column column;
   light(here.middle, scratch.shadow.middle, column);
-  Shine middleShine{1, 0};
+  Shine middleShine{1, 0, 0};
   const QRgb* from = behind;
   if (column.depth) {
     const float outY = below.middle > above.middle ? 1.0F : -1.0F;
     middleShine = shine(*column.depth, 0, outY);
     from = backdropRow(y - int(outY * column.depth->bend));
   } else if (column.cover >= 1) {
-    std::copy(behind + middleBegin, behind + middleEnd, target + middleBegin);
+    for (int x = middleBegin; x < middleEnd; ++x) target[x] = behind[x] | 0xff000000;
     return;
   }
   blendEvenly(target, from, middleBegin, middleEnd, y, column.cover * middleShine.keep, column.around,
-              column.cover * middleShine.white);
+              column.cover * middleShine.white, column.cover * middleShine.gleam);
 }
 
 void LockGlass::paint(QImage& target, const QImage& backdrop, int left,

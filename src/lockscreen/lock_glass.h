@@ -17,7 +17,8 @@ enum class GlassStyle {
 
 /// The wallpaper as it shines through a plate, at the wallpaper's size: blurred, livelier in colour, and
 /// moved into the range of brightness over which white text can be read, black lifted and white lowered. Text
-/// that is white at an opacity of 0.7 or more has a contrast of 3:1 or better everywhere on it. RGB32.
+/// that is white at an opacity of 0.7 or more has a contrast of 3:1 or better everywhere on it. RGB32; the
+/// byte that is left says how bright the wallpaper itself is there, for light along the rim.
 [[nodiscard]] QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle style);
 
 /// A plate of a column at one moment.
@@ -49,6 +50,7 @@ class LockGlass {
     float bend;      // pixels towards the inside from which the backdrop is seen
     float hairline;  // share of the bright line along the rim
     float glow;      // share of the light that spreads inwards from it
+    float gleam;     // share of a bright backdrop's light
     float shade;     // share of the darkness within the far rim
   };
   /// Distances to the outline along one pixel row, pixels, negative inside: the columns from `margin_` left
@@ -63,9 +65,10 @@ class LockGlass {
     float cover, around;
     const Depth* depth;
   };
-  /// The share that light leaves of what is behind, and that of white that it adds.
+  /// The share that light leaves of what is behind, that of white that it adds, and that of white where the
+  /// backdrop is bright.
   struct Shine {
-    float keep, white;
+    float keep, white, gleam;
   };
   struct RowMix;
   struct Scratch;
