@@ -10,6 +10,13 @@ extern "C" {
 
 namespace brisklet {
 
+namespace {
+
+// The codec looks one frame back and one ahead, and its rate control some more.
+constexpr int64_t settledFrames = 8;
+
+}  // namespace
+
 bool AacEncoder::supports(const AacSettings& settings) {
   const AVCodec* codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
   if (codec == nullptr || settings.bitRate < 1 || settings.channels < 1 || settings.channels > 2)
@@ -47,6 +54,7 @@ std::span<const uint8_t> AacEncoder::decoderConfiguration() const {
 
 void AacEncoder::append(std::span<const int16_t> samples) {
   const auto whole = static_cast<size_t>(packetSamples() * context_->ch_layout.nb_channels);
+  if (!samples.empty()) silentFrames_ = 0;
   while (!samples.empty()) {
     const size_t count = std::min(samples.size(), whole - pending_.size());
     pending_.insert(pending_.end(), samples.begin(), samples.begin() + static_cast<ptrdiff_t>(count));
@@ -56,11 +64,21 @@ void AacEncoder::append(std::span<const int16_t> samples) {
 }
 
 void AacEncoder::appendSilence(int64_t samplesPerChannel) {
-  const std::vector<int16_t> silence(static_cast<size_t>(packetSamples() * context_->ch_layout.nb_channels));
+  const auto channels = static_cast<size_t>(context_->ch_layout.nb_channels);
   while (samplesPerChannel > 0) {
-    const int64_t count = std::min<int64_t>(samplesPerChannel, packetSamples());
-    append(std::span(silence).first(static_cast<size_t>(count * context_->ch_layout.nb_channels)));
+    const bool isWhole = pending_.empty() && samplesPerChannel >= packetSamples();
+    if (isWhole && silentFrames_ >= settledFrames && lastTwoAreEqual_) {
+      samplesIn_ += packetSamples();
+      samplesPerChannel -= packetSamples();
+      emit(lastPacket_);
+      continue;
+    }
+    const int64_t room = packetSamples() - static_cast<int64_t>(pending_.size() / channels);
+    const int64_t count = std::min(samplesPerChannel, room);
+    pending_.resize(pending_.size() + static_cast<size_t>(count) * channels);
     samplesPerChannel -= count;
+    if (count == room) encodePending();
+    if (isWhole) ++silentFrames_;
   }
 }
 
@@ -91,9 +109,19 @@ void AacEncoder::encode(const AVFrame* frame) {
     const int result = avcodec_receive_packet(context_.get(), packet_.get());
     if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
     checked(result, "encoding sound");
-    sink_({packet_->data, static_cast<size_t>(packet_->size)}, packet_->pts, packet_->duration);
+    const std::span<const uint8_t> packet(packet_->data, static_cast<size_t>(packet_->size));
+    lastTwoAreEqual_ = std::equal(packet.begin(), packet.end(), lastPacket_.begin(), lastPacket_.end());
+    lastPacket_.assign(packet.begin(), packet.end());
+    emit(packet);
     av_packet_unref(packet_.get());
   }
+}
+
+void AacEncoder::emit(std::span<const uint8_t> packet) {
+  // The codec's own times do not know of the packets that were handed out again.
+  const int64_t time = samplesOut_ - priming();
+  samplesOut_ += packetSamples();
+  sink_(packet, time, std::min<int64_t>(packetSamples(), samplesIn_ - time));
 }
 
 }  // namespace brisklet

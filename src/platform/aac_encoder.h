@@ -15,7 +15,8 @@ struct AacSettings {
   int bitRate = 0;  // bits per second
 };
 
-/// Encodes a track of 16-bit sound as AAC-LC.
+/// Encodes a track of 16-bit sound as AAC-LC. Silence costs next to nothing: once it has lasted a while its
+/// packets are all equal, and the last one is handed out again instead of encoding more.
 class AacEncoder {
  public:
   /// Receives the packets in order; times in samples. The first lies before zero: it holds what the decoder
@@ -41,13 +42,20 @@ class AacEncoder {
  private:
   void encodePending();
   void encode(const AVFrame* frame);
+  /// Hands on a packet that holds the next `packetSamples()` samples.
+  void emit(std::span<const uint8_t> packet);
 
   CodecContextPtr context_;
   FramePtr frame_;
   PacketPtr packet_;
   Sink sink_;
   std::vector<int16_t> pending_;  // interleaved, less than a frame between calls
-  int64_t samplesIn_ = 0;         // per channel, handed to the codec
+  // Per channel.
+  int64_t samplesIn_ = 0;     // taken in, whether the codec was asked or not
+  int64_t samplesOut_ = 0;    // of all packets, with the priming
+  int64_t silentFrames_ = 0;  // whole ones that went to the codec since the last sound
+  std::vector<uint8_t> lastPacket_;
+  bool lastTwoAreEqual_ = false;
 };
 
 }  // namespace brisklet

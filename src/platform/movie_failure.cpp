@@ -64,6 +64,10 @@ int checked(int result, const char* step) {
   throw MovieFailure(std::string(step) + " failed (" + reason + ")");
 }
 
+void require(bool succeeded, const char* step) {
+  if (!succeeded) throw MovieFailure(std::string(step) + " failed");
+}
+
 void failOutOfMemory(const char* step) {
   throw MovieFailure(std::string("not enough memory for ") + step);
 }

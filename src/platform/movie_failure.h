@@ -19,13 +19,16 @@ class MovieFailure : public std::exception {
 /// The cause behind an `errno` value, in a person's words where the value is one that people meet.
 [[nodiscard]] std::string systemCause(int errorNumber);
 
-/// Passes on what a library function of libav or x264 returned; throws `MovieFailure` if it is an error. The
-/// step reads "encoding a picture".
+/// Passes on what a function of libav returned; throws `MovieFailure` if it is an error. The step reads
+/// "encoding a picture".
 int checked(int result, const char* step);
 
 /// The same for functions that hand out an object, or nothing when memory is short.
 template <typename T>
 T* checked(T* object, const char* step);
+
+/// The same for functions that give no reason.
+void require(bool succeeded, const char* step);
 
 [[noreturn]] void failOutOfMemory(const char* step);
 

@@ -7,19 +7,20 @@
 #include <QFileInfo>
 #include <QObject>
 #include <QtEndian>
-#include <array>
+#include <atomic>
 #include <cerrno>
-#include <condition_variable>
 #include <cstring>
-#include <deque>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
-#include <stop_token>
+#include <span>
 #include <thread>
 #include <vector>
 
 #include "base/error.h"
 #include "platform/aac_encoder.h"
+#include "platform/bounded_queue.h"
 #include "platform/held_picture_encoder.h"
 #include "platform/movie_failure.h"
 #include "platform/mp4_file.h"
@@ -32,6 +33,7 @@ namespace brisklet {
 namespace {
 
 constexpr size_t picturesInQueue = 4;
+constexpr size_t convertedInQueue = 2;
 constexpr size_t soundsInQueue = 64;
 constexpr int bytesPerSample = 2;
 
@@ -77,12 +79,29 @@ bool isSilent(const QByteArray& pcm) {
          std::memcmp(pcm.constData(), pcm.constData() + 1, static_cast<size_t>(pcm.size() - 1)) == 0;
 }
 
-/// The picture `shown` from `firstFrame` on, or the one before it for longer if there is none.
-struct PictureRun {
-  QImage shown;
-  qint64 firstFrame = 0;
+/// `picture` from frame `first` on, or the one before it for longer if there is none.
+template <typename Picture>
+struct Run {
+  Picture picture;
+  qint64 first = 0;
   qint64 frames = 0;
 };
+
+/// A picture on its way from conversion to encoding.
+struct Converted {
+  std::shared_ptr<const YuvPicture> picture;
+  std::vector<uint8_t> unchanged;  // macroblocks equal to the picture before
+
+  [[nodiscard]] bool isNull() const { return picture == nullptr; }
+};
+
+/// A run that only holds the picture before it becomes a part of that one's run.
+template <typename Picture>
+bool absorbRun(Run<Picture>& last, const Run<Picture>& next) {
+  const bool isContinued = next.picture.isNull() && next.first == last.first + last.frames;
+  if (isContinued) last.frames += next.frames;
+  return isContinued;
+}
 
 /// Samples, or so many silent frames if there are none.
 struct Sound {
@@ -90,13 +109,28 @@ struct Sound {
   qint64 silentFrames = 0;
 };
 
+bool absorbSilence(Sound& last, const Sound& next) {
+  const bool areSilent = last.silentFrames > 0 && next.silentFrames > 0;
+  if (areSilent) last.silentFrames += next.silentFrames;
+  return areSilent;
+}
+
+// Pictures go through a thread that converts them and one that encodes them, sound through a third. What is
+// encoded waits in spools, since all of the video is appended before the sound but a file must have them by
+// turns, behind an index that is known only at the end: one pass, after the last sample, writes the file from
+// beginning to end.
 class FileMovieWriter final : public MovieWriter {
  public:
-  explicit FileMovieWriter(const QString& path)
-      : path_(path), folder_(QFile::encodeName(QFileInfo(path).path()).toStdString()), file_(path) {}
+  FileMovieWriter(const QString& path, RepeatCoding repeats)
+      : path_(path),
+        folder_(QFile::encodeName(QFileInfo(path).path()).toStdString()),
+        repeats_(repeats),
+        file_(path) {}
 
   ~FileMovieWriter() override {
-    for (std::jthread* thread : {&finishingThread_, &videoThread_, &audioThread_}) thread->request_stop();
+    isDropped_ = true;
+    abandonQueues();
+    // The finishing thread joins the others: it must not meet the destructor doing the same.
     if (finishingThread_.joinable()) finishingThread_.join();
   }
 
@@ -124,90 +158,61 @@ class FileMovieWriter final : public MovieWriter {
   [[nodiscard]] bool startWriting() override {
     Q_ASSERT(video_ && status() == Status::Unknown);
     av_log_set_level(AV_LOG_QUIET);  // what matters comes back as an error
-    try {
+    guarded([this] {
       beginMp4(file_.fd());  // a full disk shows before the first picture
-      videoEncoder_.emplace(H264Settings{video_->width, video_->height, video_->framesPerSecond},
-                            [this](std::span<const uint8_t> accessUnit, bool isIdr) {
-                              videoSpool_.append(accessUnit, encodedFrame_++, 1, isIdr);
-                            });
-      if (audio_)
-        audioEncoder_.emplace(encoderSettings(*audio_),
-                              [this](std::span<const uint8_t> packet, int64_t time, int64_t duration) {
-                                audioSpool_.append(packet, time, duration, true);
-                              });
-    } catch (const std::exception& failure) {
-      fail(failure.what());
-      return false;
-    }
-    setStatus(Status::Writing);
-    videoThread_ = std::jthread([this](const std::stop_token& stop) { guarded([&] { encodeVideo(stop); }); });
-    if (audio_)
-      audioThread_ =
-          std::jthread([this](const std::stop_token& stop) { guarded([&] { encodeAudio(stop); }); });
+      openEncoders();
+      setStatus(Status::Writing);
+    });
+    if (status() != Status::Writing) return false;
+    conversionThread_ = std::jthread([this] { guarded([this] { convertPictures(); }); });
+    videoThread_ = std::jthread([this] { guarded([this] { encodePictures(); }); });
+    audioThread_ = std::jthread([this] { guarded([this] { encodeSounds(); }); });
     return true;
   }
 
-  [[nodiscard]] bool isReadyForMoreVideo() const override {
-    const std::lock_guard lock(mutex_);
-    return pictures_.size() < picturesInQueue;
-  }
-
-  [[nodiscard]] bool isReadyForMoreAudio() const override {
-    const std::lock_guard lock(mutex_);
-    return sounds_.size() < soundsInQueue;
-  }
+  [[nodiscard]] bool isReadyForMoreVideo() const override { return pictures_.hasRoom(); }
+  [[nodiscard]] bool isReadyForMoreAudio() const override { return sounds_.hasRoom(); }
 
   bool appendFrame(const QImage& picture, qint64 frameIndex) override {
-    if (!video_ || picture.width() != video_->width || picture.height() != video_->height) return false;
-    const std::lock_guard lock(mutex_);
-    if (status_ != Status::Writing || videoFinished_ || frameIndex < nextFrame_) return false;
-    const bool isRepeat = lastPictureKey_ == picture.cacheKey();
-    if (isRepeat && frameIndex == nextFrame_ && !pictures_.empty())
-      ++pictures_.back().frames;
-    else
-      pictures_.push_back({isRepeat ? QImage() : picture, frameIndex, 1});
-    lastPictureKey_ = picture.cacheKey();
+    if (status() != Status::Writing || isVideoFinished_ || frameIndex < nextFrame_ ||
+        picture.width() != video_->width || picture.height() != video_->height)
+      return false;
+    const bool isRepeat = pictureKey_ == picture.cacheKey();
+    pictures_.absorbOrPush({isRepeat ? QImage() : picture, frameIndex, 1}, absorbRun<QImage>);
+    pictureKey_ = picture.cacheKey();
     nextFrame_ = frameIndex + 1;
-    changed_.notify_all();
     return true;
   }
 
   bool appendAudio(const AudioChunk& chunk) override {
-    if (!audio_ || chunk.frames < 1 || chunk.pcm.size() != chunk.frames * audio_->channels * bytesPerSample)
+    if (status() != Status::Writing || !audio_ || isAudioFinished_ || chunk.presentationTime < nextSound_ ||
+        chunk.frames < 1 || chunk.pcm.size() != chunk.frames * audio_->channels * bytesPerSample)
       return false;
-    const bool silent = isSilent(chunk.pcm);
-    const std::lock_guard lock(mutex_);
-    if (status_ != Status::Writing || audioFinished_ || chunk.presentationTime < nextSound_) return false;
-    appendSilence(chunk.presentationTime - nextSound_);
-    if (silent)
-      appendSilence(chunk.frames);
-    else
-      sounds_.push_back({chunk.pcm, 0});
+    if (chunk.presentationTime > nextSound_)
+      sounds_.absorbOrPush({{}, chunk.presentationTime - nextSound_}, absorbSilence);
+    sounds_.absorbOrPush(isSilent(chunk.pcm) ? Sound{{}, chunk.frames} : Sound{chunk.pcm, 0}, absorbSilence);
     nextSound_ = chunk.presentationTime + chunk.frames;
-    changed_.notify_all();
     return true;
   }
 
   void markVideoFinished() override {
-    const std::lock_guard lock(mutex_);
-    videoFinished_ = true;
-    changed_.notify_all();
+    isVideoFinished_ = true;
+    pictures_.close();
   }
 
   void markAudioFinished() override {
-    const std::lock_guard lock(mutex_);
-    audioFinished_ = true;
-    changed_.notify_all();
+    isAudioFinished_ = true;
+    sounds_.close();
   }
 
   void finishWriting(std::function<void()> completion) override {
     Q_ASSERT(!finishingThread_.joinable());
     markVideoFinished();
     markAudioFinished();
-    finishingThread_ = std::jthread([this, completion = std::move(completion)](const std::stop_token& stop) {
-      if (videoThread_.joinable()) videoThread_.join();
-      if (audioThread_.joinable()) audioThread_.join();
-      if (stop.stop_requested()) return;
+    finishingThread_ = std::jthread([this, completion = std::move(completion)] {
+      for (std::jthread* thread : {&conversionThread_, &videoThread_, &audioThread_})
+        if (thread->joinable()) thread->join();
+      if (isDropped_) return;
       if (status() == Status::Writing) guarded([this] { writeMovie(); });
       QMetaObject::invokeMethod(&completionContext_, completion, Qt::QueuedConnection);
     });
@@ -228,80 +233,59 @@ class FileMovieWriter final : public MovieWriter {
     return {settings.sampleRate, settings.channels, settings.bitRate};
   }
 
-  void setStatus(Status status) {
-    const std::lock_guard lock(mutex_);
-    status_ = status;
+  void openEncoders() {
+    videoEncoder_.emplace(H264Settings{video_->width, video_->height, video_->framesPerSecond},
+                          video_->averageBitRate, repeats_,
+                          [this](std::span<const uint8_t> accessUnit, bool isIdr) {
+                            videoSpool_.append(accessUnit, encodedFrame_++, 1, isIdr);
+                          });
+    if (audio_)
+      audioEncoder_.emplace(encoderSettings(*audio_),
+                            [this](std::span<const uint8_t> packet, int64_t time, int64_t duration) {
+                              audioSpool_.append(packet, time, duration, true);
+                            });
   }
 
-  template <typename Step>
-  void guarded(Step step) {
-    try {
-      step();
-    } catch (const std::bad_alloc&) {
-      fail("not enough memory");
-    } catch (const std::exception& failure) {
-      fail(failure.what());
-    }
-  }
-
-  /// From here on all that is appended is refused, and the queues stay ready, so that nobody waits for room.
-  void fail(const char* cause) {
-    const std::lock_guard lock(mutex_);
-    if (status_ == Status::Failed) return;
-    status_ = Status::Failed;
-    errorText_ = couldNotWrite(path_, cause);
-    pictures_.clear();
-    sounds_.clear();
-    file_.remove();
-    changed_.notify_all();
-  }
-
-  void appendSilence(qint64 frames) {
-    if (frames == 0) return;
-    if (!sounds_.empty() && sounds_.back().silentFrames > 0)
-      sounds_.back().silentFrames += frames;
-    else
-      sounds_.push_back({{}, frames});
-  }
-
-  /// The first of the queue; nothing when there is none to come.
-  template <typename T>
-  std::optional<T> take(std::deque<T>& queue, const bool& finished, const std::stop_token& stop) {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, stop, [&] { return !queue.empty() || finished || status_ != Status::Writing; });
-    if (stop.stop_requested() || status_ != Status::Writing || queue.empty()) return std::nullopt;
-    T first = std::move(queue.front());
-    queue.pop_front();
-    return first;
-  }
-
-  void encodeVideo(const std::stop_token& stop) {
-    YuvPicture picture(video_->width, video_->height);
-    while (std::optional<PictureRun> run = take(pictures_, videoFinished_, stop)) {
-      encodedFrame_ = run->firstFrame;
-      if (!run->shown.isNull()) {
-        const QImage rgb = std::move(run->shown).convertToFormat(QImage::Format_RGB32);
-        picture.setFromRgb(reinterpret_cast<const uint32_t*>(rgb.constBits()), rgb.bytesPerLine() / 4);
-        videoEncoder_->show(picture);
-        --run->frames;
+  void convertPictures() {
+    std::shared_ptr<const YuvPicture> previous;
+    while (std::optional<Run<QImage>> run = pictures_.take()) {
+      Converted converted;
+      if (!run->picture.isNull()) {
+        const QImage rgb = std::move(run->picture).convertToFormat(QImage::Format_RGB32);
+        auto picture = std::make_shared<YuvPicture>(rgb.width(), rgb.height());
+        picture->setFromRgb(reinterpret_cast<const uint32_t*>(rgb.constBits()), rgb.bytesPerLine() / 4);
+        if (previous) converted.unchanged = equalMacroblocks(*previous, *picture);
+        converted.picture = previous = std::move(picture);
       }
-      for (; run->frames > 0 && !stop.stop_requested(); --run->frames) videoEncoder_->hold(picture);
+      converted_.waitForRoom();
+      converted_.absorbOrPush({std::move(converted), run->first, run->frames}, absorbRun<Converted>);
+    }
+    converted_.close();
+  }
+
+  void encodePictures() {
+    while (const std::optional<Run<Converted>> run = converted_.take()) {
+      encodedFrame_ = run->first;
+      const bool isNew = !run->picture.isNull();
+      if (isNew) videoEncoder_->show(run->picture.picture, run->picture.unchanged);
+      for (qint64 i = isNew ? 1 : 0; i < run->frames && !converted_.isAbandoned(); ++i) videoEncoder_->hold();
     }
   }
 
-  void encodeAudio(const std::stop_token& stop) {
+  void encodeSounds() {
     std::vector<int16_t> samples;
-    while (const std::optional<Sound> sound = take(sounds_, audioFinished_, stop)) {
+    while (const std::optional<Sound> sound = sounds_.take()) {
       audioEncoder_->appendSilence(sound->silentFrames);
       samples.resize(static_cast<size_t>(sound->pcm.size() / bytesPerSample));
       qFromLittleEndian<int16_t>(sound->pcm.constData(), static_cast<qsizetype>(samples.size()),
                                  samples.data());
       audioEncoder_->append(samples);
     }
-    if (!stop.stop_requested()) audioEncoder_->finish();
+    if (audioEncoder_ && !sounds_.isAbandoned()) audioEncoder_->finish();
   }
 
   void writeMovie() {
+    if (videoSpool_.samples().empty()) throw MovieFailure("there is no picture to write");
     const Mp4VideoTrack video{video_->width, video_->height, video_->framesPerSecond,
                               videoEncoder_->decoderConfiguration(), videoSpool_};
     std::optional<Mp4AudioTrack> audio;
@@ -315,52 +299,97 @@ class FileMovieWriter final : public MovieWriter {
                                   {configuration.begin(), configuration.end()},
                                   audioSpool_});
     }
-    if (videoSpool_.samples().empty()) throw MovieFailure("there is no picture to write");
     writeMp4(file_.fd(), video, audio ? &*audio : nullptr);
     file_.close();
     setStatus(Status::Completed);
   }
 
+  template <typename Step>
+  void guarded(Step step) {
+    try {
+      step();
+    } catch (const std::bad_alloc&) {
+      fail("not enough memory");
+    } catch (const std::exception& failure) {
+      fail(failure.what());
+    }
+  }
+
+  /// From here on all that is appended is refused, and the queues have room, so that nobody waits for it.
+  void fail(const char* cause) {
+    {
+      const std::lock_guard lock(mutex_);
+      if (status_ == Status::Failed) return;
+      status_ = Status::Failed;
+      errorText_ = couldNotWrite(path_, cause);
+      file_.remove();
+    }
+    abandonQueues();
+  }
+
+  void abandonQueues() {
+    pictures_.abandon();
+    converted_.abandon();
+    sounds_.abandon();
+  }
+
+  void setStatus(Status status) {
+    const std::lock_guard lock(mutex_);
+    status_ = status;
+  }
+
   const QString path_;
   const std::string folder_;
+  const RepeatCoding repeats_;
   MovieFile file_;
-  QObject completionContext_;
+  QObject completionContext_;  // what is queued for it dies with it
+
+  // The calling thread's.
   std::optional<VideoSettings> video_;
   std::optional<AudioSettings> audio_;
+  bool isVideoFinished_ = false;
+  bool isAudioFinished_ = false;
+  qint64 nextFrame_ = 0;
+  qint64 nextSound_ = 0;
+  std::optional<qint64> pictureKey_;
 
-  // One thread each, then the finishing thread.
+  // One thread's each, then the finishing thread's.
   SampleSpool videoSpool_{folder_};
   SampleSpool audioSpool_{folder_};
   std::optional<HeldPictureEncoder> videoEncoder_;
   std::optional<AacEncoder> audioEncoder_;
   int64_t encodedFrame_ = 0;
 
-  // Calling thread alone, but for what `mutex_` guards below.
+  BoundedQueue<Run<QImage>> pictures_{picturesInQueue};
+  BoundedQueue<Run<Converted>> converted_{convertedInQueue};
+  BoundedQueue<Sound> sounds_{soundsInQueue};
   mutable std::mutex mutex_;
-  std::condition_variable_any changed_;
   Status status_ = Status::Unknown;
   QString errorText_;
-  std::deque<PictureRun> pictures_;
-  std::deque<Sound> sounds_;
-  bool videoFinished_ = false;
-  bool audioFinished_ = false;
-  qint64 nextFrame_ = 0;
-  qint64 nextSound_ = 0;
-  std::optional<qint64> lastPictureKey_;
+  std::atomic<bool> isDropped_ = false;
 
+  std::jthread conversionThread_;
   std::jthread videoThread_;
   std::jthread audioThread_;
   std::jthread finishingThread_;
 };
 
-}  // namespace
-
-std::unique_ptr<MovieWriter> makeMovieWriter(const QString& path) {
+std::unique_ptr<MovieWriter> makeWriter(const QString& path, RepeatCoding repeats) {
   try {
-    return std::make_unique<FileMovieWriter>(path);
+    return std::make_unique<FileMovieWriter>(path, repeats);
   } catch (const MovieFailure& failure) {
     throw Error(couldNotWrite(path, failure.what()));
   }
+}
+
+}  // namespace
+
+std::unique_ptr<MovieWriter> makeMovieWriter(const QString& path) {
+  return makeWriter(path, RepeatCoding::Reuse);
+}
+
+std::unique_ptr<MovieWriter> makeEveryFrameMovieWriter(const QString& path) {
+  return makeWriter(path, RepeatCoding::EncodeEvery);
 }
 
 }  // namespace brisklet

@@ -24,6 +24,9 @@ struct AudioSettings {
 
 /// Writes an MPEG-4 movie of an H.264 and an AAC track. Encoding runs on threads of its own behind short
 /// queues; every member is called on the thread that made the writer, and none of them waits for the encoder.
+///
+/// A writer that fails removes its file, refuses what is appended from then on and never keeps anyone waiting
+/// for room. One that is destroyed before it has finished leaves the file as it is.
 class MovieWriter {
  public:
   enum class Status { Unknown, Writing, Completed, Failed };
@@ -43,9 +46,11 @@ class MovieWriter {
   [[nodiscard]] virtual bool isReadyForMoreAudio() const = 0;
 
   /// Takes a picture of the size of the video settings for presentation at `frameIndex` / framesPerSecond.
-  /// The same picture again, a copy of the same QImage (equal `cacheKey()`), is recognised as a repeat. False
-  /// when it is refused.
+  /// The same picture again, a copy of the same QImage (equal `cacheKey()`), is recognised as a repeat and
+  /// costs next to nothing. A frame left out makes the one before it last longer. False when the picture is
+  /// refused: of another size, or not later than the one before.
   virtual bool appendFrame(const QImage& picture, qint64 frameIndex) = 0;
+  /// What is left out between two chunks is silent. False when the chunk is refused.
   virtual bool appendAudio(const AudioChunk& chunk) = 0;
 
   virtual void markVideoFinished() = 0;
@@ -61,5 +66,8 @@ class MovieWriter {
 
 /// Opens a writer for the path. Throws `Error` when no file can be made there.
 [[nodiscard]] std::unique_ptr<MovieWriter> makeMovieWriter(const QString& path);
+
+/// The same, but every frame is encoded on its own, repeats too: what re-use is measured against.
+[[nodiscard]] std::unique_ptr<MovieWriter> makeEveryFrameMovieWriter(const QString& path);
 
 }  // namespace brisklet

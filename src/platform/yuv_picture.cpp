@@ -1,5 +1,7 @@
 #include "platform/yuv_picture.h"
 
+#include <cstring>
+
 namespace brisklet {
 
 namespace {
@@ -36,6 +38,13 @@ BRISKLET_VECTORISED void convertLumaRow(const uint32_t* __restrict rgb, uint8_t*
     const int b = static_cast<int>(rgb[x] & 255);
     luma[x] = static_cast<uint8_t>((yR * r + yG * g + yB * b + 16 * one + one / 2) >> 16);
   }
+}
+
+/// Compares rows of 16 bytes.
+bool isEqualBlock(const uint8_t* a, const uint8_t* b, int rows, ptrdiff_t stride) {
+  for (int row = 0; row < rows; ++row, a += stride, b += stride)
+    if (std::memcmp(a, b, 16) != 0) return false;
+  return true;
 }
 
 /// Adds two rows: red and blue share a word, each with room for the eightfold sum.
@@ -87,6 +96,19 @@ void YuvPicture::setFromRgb(const uint32_t* pixels, ptrdiff_t pixelStride) {
     green[-1] = green[0];
     convertChromaRow(redBlue, green, chroma_.data() + y / 2 * stride_, width_);
   }
+}
+
+std::vector<uint8_t> equalMacroblocks(const YuvPicture& a, const YuvPicture& b) {
+  std::vector<uint8_t> equal;
+  equal.reserve(static_cast<size_t>(a.macroblockColumns()) * static_cast<size_t>(a.macroblockRows()));
+  for (int row = 0; row < a.macroblockRows(); ++row)
+    for (int column = 0; column < a.macroblockColumns(); ++column) {
+      const ptrdiff_t luma = row * 16 * a.stride() + column * 16;
+      const ptrdiff_t chroma = row * 8 * a.stride() + column * 16;
+      equal.push_back(isEqualBlock(a.luma() + luma, b.luma() + luma, 16, a.stride()) &&
+                      isEqualBlock(a.chroma() + chroma, b.chroma() + chroma, 8, a.stride()));
+    }
+  return equal;
 }
 
 }  // namespace brisklet

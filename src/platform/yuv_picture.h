@@ -36,4 +36,7 @@ class YuvPicture {
   std::vector<uint8_t> chroma_;
 };
 
+/// For each macroblock, row by row, whether (1 or 0) it is equal in both pictures, which are of one size.
+[[nodiscard]] std::vector<uint8_t> equalMacroblocks(const YuvPicture& a, const YuvPicture& b);
+
 }  // namespace brisklet
