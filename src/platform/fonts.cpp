@@ -11,12 +11,9 @@ namespace brisklet {
 
 namespace {
 
-/// From this size on the cut for display sizes is used: its details are finer and its spacing is tighter.
-constexpr double displaySizePt = 32;
-
-QStringList families(const char* first) {
+QStringList families() {
   // Without the emoji font in second place some emoji come from black and white fonts.
-  QStringList names{QLatin1String(first), QStringLiteral("Noto Color Emoji")};
+  QStringList names{QStringLiteral("Inter"), QStringLiteral("Noto Color Emoji")};
   for (const char* name :
        {"Noto Sans", "Noto Sans Arabic", "Noto Sans Hebrew", "Noto Sans Thai", "Noto Sans Devanagari",
         "Noto Sans Bengali", "Noto Sans Tamil", "Noto Sans CJK SC", "Noto Sans CJK JP", "Noto Sans CJK KR",
@@ -25,25 +22,19 @@ QStringList families(const char* first) {
   return names;
 }
 
-struct Families {
-  QStringList text, display;
-};
-
 /// Loads the embedded fonts on first use.
-const Families& systemFamilies() {
-  static const Families loaded = [] {
+const QStringList& systemFamilies() {
+  static const QStringList loaded = [] {
     dropFontSearchMessages();
-    for (const char* file :
-         {"Inter-Regular", "Inter-Medium", "Inter-SemiBold", "Inter-Bold", "InterDisplay-SemiBold"})
+    for (const char* file : {"Inter-Regular", "Inter-Medium", "Inter-SemiBold", "Inter-Bold"})
       QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/%1.otf").arg(QLatin1String(file)));
-    return Families{families("Inter"), families("Inter Display")};
+    return families();
   }();
   return loaded;
 }
 
 QFont makeFont(const TextStyle& style, int pixelSize) {
-  const bool display = style.sizePt >= displaySizePt && style.weight == FontWeight::Semibold;
-  QFont font(display ? systemFamilies().display : systemFamilies().text);
+  QFont font(systemFamilies());
   font.setPixelSize(pixelSize);
   font.setWeight(static_cast<QFont::Weight>(style.weight));
   font.setHintingPreference(QFont::PreferNoHinting);

@@ -4,6 +4,7 @@
 #include "platform/emoji.h"
 
 #include <QFontMetricsF>
+#include <QTextCharFormat>
 #include <QTextOption>
 #include <algorithm>
 
@@ -78,10 +79,30 @@ void removeTrailingSpace(QString& text) {
   while (!text.isEmpty() && text.back().isSpace()) text.chop(1);
 }
 
+/// Sets Han characters in their Japanese forms if there is kana in the text: they are Chinese ones otherwise.
+void appendJapaneseFormats(const QString& text, const QFont& font, QList<QTextLayout::FormatRange>& formats) {
+  const auto isKana = [](QChar c) {
+    return c.script() == QChar::Script_Hiragana || c.script() == QChar::Script_Katakana;
+  };
+  if (std::none_of(text.begin(), text.end(), isKana)) return;
+  QFont japanese = font;
+  japanese.setFamilies(QStringList(QStringLiteral("Noto Sans CJK JP")) + font.families());
+  QTextCharFormat format;
+  format.setFont(japanese);
+  const auto isJapanese = [&](QChar c) { return isKana(c) || c.script() == QChar::Script_Han; };
+  for (auto begin = text.begin(), end = begin; end != text.end();) {
+    begin = std::find_if(end, text.end(), isJapanese);
+    end = std::find_if_not(begin, text.end(), isJapanese);
+    if (begin != end)
+      formats.append({static_cast<int>(begin - text.begin()), static_cast<int>(end - begin), format});
+  }
+}
+
 /// A layout of the text that has no lines yet.
 std::unique_ptr<QTextLayout> begunLayout(const QString& text, const QFont& font,
                                          QTextOption::WrapMode wrapping) {
-  const TextWithEmoji shown = withColorEmoji(text, font);
+  TextWithEmoji shown = withColorEmoji(text, font);
+  appendJapaneseFormats(shown.text, font, shown.formats);
   auto layout = std::make_unique<QTextLayout>(shown.text, font);
   QTextOption option(Qt::AlignLeft | Qt::AlignAbsolute);
   option.setTextDirection(Qt::LayoutDirectionAuto);

@@ -75,7 +75,8 @@ TEST(TextLine, fitsItsOwnNaturalWidth) {
 
 TEST(TextLine, whatDoesNotFitIsCutWithinTheWidth) {
   for (const char* text : {"Your package will be delivered today", "مرحبا بالعالم هذا نص طويل جدا",
-                           "👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧"
+                           "👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍"
+                           "👧"
                            "‍"
                            "👦"}) {
     const TextLine line(QString::fromUtf8(text), title, 80);
@@ -145,6 +146,15 @@ TEST(TextLine, sequencesOfEmojiAreOneGlyphWide) {
   for (const char* sequence : {"👨‍👩‍👧‍👦", "👍🏽", "🏳️‍🌈", "❤️‍🔥",
                                "1️⃣", "🇩🇪", "🏴󠁧󠁢󠁥󠁮󠁧󠁿"})
     EXPECT_NEAR(TextLine(QString::fromUtf8(sequence), title).width(), one, 0.1) << sequence;
+}
+
+TEST(TextLine, hanCharactersBesideKanaHaveJapaneseForms) {
+  // The first character is drawn differently in the two languages.
+  const auto first = [](const char* text) {
+    return drawn(TextLine(QString::fromUtf8(text), title)).copy(0, 0, (20 + 15) * 3, 300);
+  };
+  EXPECT_NE(first("直です"), first("直中国"));
+  EXPECT_EQ(first("直接的"), first("直中国"));
 }
 
 TEST(TextLine, theLineIsAsHighForEveryScript) {
