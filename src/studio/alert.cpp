@@ -58,7 +58,7 @@ void paintShadow(QPainter& painter, const QRectF& card) {
 
 Alert::Alert(QWidget* parent)
     : QWidget(parent),
-      confirm_(new StudioButton({}, {}, ButtonLook::Solid, this)),
+      confirm_(new StudioButton({}, {}, ButtonLook::Flat, this)),
       cancel_(new StudioButton({}, {}, ButtonLook::Solid, this)) {
   [[maybe_unused]] static const bool installed = [] {
     QAccessible::installFactory(makeInterface);
@@ -86,7 +86,6 @@ void Alert::open(const Content& content) {
   setAccessibleDescription(content.message);
   confirm_->setTitle(content.confirm);
   confirm_->setVisible(!content.confirm.isEmpty());
-  cancel_->setLook(content.confirm.isEmpty() ? ButtonLook::Solid : ButtonLook::Flat);
   cancel_->setTitle(content.cancel);
   place();
   raise();
@@ -114,7 +113,7 @@ void Alert::place() {
   const QRect card = cardRect();
   int right = card.right() + 1 - margin;
   const int top = card.bottom() + 1 - margin - StudioButton::buttonHeight;
-  for (StudioButton* button : {confirm_, cancel_}) {
+  for (StudioButton* button : {cancel_, confirm_}) {
     if (button->text().isEmpty()) continue;
     const int width = std::max(72, button->sizeHint().width());
     button->setGeometry(right - width, top, width, StudioButton::buttonHeight);
@@ -146,11 +145,9 @@ void Alert::paintEvent(QPaintEvent*) {
 void Alert::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Escape:
-      cancel_->click();
-      break;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-      (content_.confirm.isEmpty() ? cancel_ : confirm_)->click();
+      cancel_->click();
       break;
     default:
       // Nothing that is typed reaches the window behind.

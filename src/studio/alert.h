@@ -23,7 +23,7 @@ class Alert : public QWidget {
     QString message;
     /// The button that does what the title asks; empty when the alert only tells.
     QString confirm;
-    /// The button that leaves everything as it is, and the one that Escape presses.
+    /// The button that leaves everything as it is, which Escape and Enter press.
     QString cancel;
 
     friend bool operator==(const Content&, const Content&) = default;

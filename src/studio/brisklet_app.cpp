@@ -3,12 +3,12 @@
 #include <QIcon>
 #include <QPalette>
 #include <QScreen>
-#include <QStyleFactory>
 #include <QToolTip>
 #include <utility>
 
 #include "platform/fonts.h"
 #include "studio/palette.h"
+#include "studio/studio_style.h"
 
 namespace brisklet {
 
@@ -44,7 +44,7 @@ void BriskletApp::setUp(QApplication& application) {
   QApplication::setApplicationName(QStringLiteral("brisklet"));
   QApplication::setApplicationDisplayName(QStringLiteral("Brisklet"));
   QApplication::setDesktopFileName(QStringLiteral("brisklet"));
-  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  QApplication::setStyle(new StudioStyle);
   QApplication::setPalette(studioPalette());
   application.setFont(systemFont(13, FontWeight::Regular));
   QToolTip::setFont(systemFont(12, FontWeight::Regular));

@@ -137,9 +137,12 @@ void Inspector::showTypes(const QString& appId) {
   if (appId == typesOfApp_) return;
   typesOfApp_ = appId;
   types_->clear();
+  QWidget* before = customAppLabel_->edit();
   for (const PingType& type : PingType::types(appId)) {
     auto* chip = new TypeChip(type);
     types_->add(chip);
+    setTabOrder(before, chip);
+    before = chip;
     connect(chip, &QAbstractButton::clicked, this, [this, chip] { Q_EMIT typePicked(chip->type()); });
   }
 }

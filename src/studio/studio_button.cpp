@@ -11,7 +11,6 @@ namespace brisklet {
 
 namespace {
 
-constexpr TextStyle titleStyle{13, FontWeight::Medium};
 constexpr double symbolFontSize = 11, disabledOpacity = 0.4;
 
 }  // namespace
@@ -27,13 +26,6 @@ void StudioButton::setTitle(const QString& title) {
   if (title == text()) return;
   setText(title);
   line_ = TextLine(title, titleStyle);
-  updateGeometry();
-  update();
-}
-
-void StudioButton::setLook(ButtonLook look) {
-  if (look == look_) return;
-  look_ = look;
   updateGeometry();
   update();
 }

@@ -17,11 +17,12 @@ class StudioButton : public StudioControl {
   /// Points.
   static constexpr int buttonHeight = 32, radius = 7, spacing = 6, flatMargin = 10, solidMargin = 12;
 
+  static constexpr TextStyle titleStyle{13, FontWeight::Medium};
+
   /// An empty symbol name means no symbol.
   StudioButton(const QString& title, const QString& systemImage, ButtonLook look, QWidget* parent = nullptr);
 
   void setTitle(const QString& title);
-  void setLook(ButtonLook look);
   /// Enables or disables the button. One that is disabled while it has the keyboard's focus leaves it to
   /// nobody, instead of to its neighbour, which the next key would press, and takes it back in time.
   void setUsable(bool usable);

@@ -1,14 +1,11 @@
 #pragma once
 
-#include <QLineEdit>
 #include <QWidget>
 
+#include "studio/studio_line_edit.h"
 #include "studio/studio_text.h"
 
 namespace brisklet {
-
-/// Makes a line edit a field of the studio: no frame, the system font, the studio's colours.
-void styleLineEdit(QLineEdit& edit, const TextStyle& style);
 
 /// A titled text field. It shows the text that it is given and tells every edit; it keeps none of its own.
 class StudioField : public QWidget {
@@ -20,9 +17,8 @@ class StudioField : public QWidget {
 
   explicit StudioField(const QString& title, QWidget* parent = nullptr);
 
-  /// Shows a text. The caret, the selection and the undo history stay when it is shown already.
-  void setText(const QString& text);
-  [[nodiscard]] QLineEdit* edit() const { return edit_; }
+  void setText(const QString& text) { edit_->showText(text); }
+  [[nodiscard]] StudioLineEdit* edit() const { return edit_; }
 
   [[nodiscard]] QSize sizeHint() const override;
 
@@ -38,7 +34,7 @@ class StudioField : public QWidget {
 
  private:
   StudioText* title_;
-  QLineEdit* edit_;
+  StudioLineEdit* edit_;
 };
 
 }  // namespace brisklet

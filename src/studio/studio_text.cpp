@@ -8,7 +8,7 @@
 namespace brisklet {
 
 StudioText::StudioText(const TextStyle& style, const QColor& color, QWidget* parent, LetterCase letterCase)
-    : QLabel(parent), style_(style), color_(color), letterCase_(letterCase) {
+    : QLabel(parent), style_(style), color_(color), letterCase_(letterCase), baselineStyle_(style) {
   setTextFormat(Qt::PlainText);
   setFixedHeight(rowHeight(style));
 }
@@ -20,12 +20,17 @@ void StudioText::setText(const QString& text) {
   updateGeometry();
 }
 
+void StudioText::standWith(const TextStyle& style) {
+  baselineStyle_ = style;
+  update();
+}
+
 QString StudioText::shownText() const {
   return letterCase_ == LetterCase::Upper ? text().toUpper() : text();
 }
 
 QSize StudioText::sizeHint() const {
-  return {static_cast<int>(std::ceil(TabularText(shownText(), style_).width())), rowHeight(style_)};
+  return {static_cast<int>(std::ceil(TabularText(shownText(), style_).width())), maximumHeight()};
 }
 
 void StudioText::resizeEvent(QResizeEvent* event) {
@@ -36,7 +41,7 @@ void StudioText::resizeEvent(QResizeEvent* event) {
 void StudioText::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   setUpPainter(painter);
-  line_.draw(painter, {0, centredBaseline(painter, 0, height(), style_)}, color_);
+  line_.draw(painter, {0, centredBaseline(painter, 0, height(), baselineStyle_)}, color_);
 }
 
 }  // namespace brisklet

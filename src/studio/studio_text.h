@@ -22,6 +22,9 @@ class StudioText : public QLabel {
   /// Hides `QLabel::setText`, which would not set the line anew.
   void setText(const QString& text);
 
+  /// Puts the text on the baseline of neighbours of the same height that have this style.
+  void standWith(const TextStyle& style);
+
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
 
@@ -35,6 +38,7 @@ class StudioText : public QLabel {
   TextStyle style_;
   QColor color_;
   LetterCase letterCase_;
+  TextStyle baselineStyle_;
   TabularText line_;
 };
 

@@ -1,5 +1,6 @@
 #include "studio/timeline.h"
 
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "studio/inspector_block.h"
@@ -42,9 +43,18 @@ Timeline::Timeline(QWidget* parent)
 void Timeline::setState(const QString& summary, const QList<Ping>& pings,
                         const std::optional<QString>& selectedId) {
   block_->setTitle(summary);
+  const bool hasGrown = pings.size() == list_->rowCount() + 1;
   list_->setPings(pings, selectedId);
   emptyText_->setVisible(pings.isEmpty());
   list_->setVisible(!pings.isEmpty());
+  // A new row is to be seen, once there is room for it.
+  if (hasGrown) QTimer::singleShot(0, this, &Timeline::revealLastRow);
+}
+
+void Timeline::revealLastRow() {
+  if (list_->rowCount() == 0) return;
+  const QRect row = list_->rowRect(list_->rowCount() - 1);
+  Q_EMIT revealRequested(row.translated(list_->mapTo(this, QPoint())));
 }
 
 }  // namespace brisklet

@@ -1,7 +1,6 @@
 #include "studio/top_bar.h"
 
 #include <QGuiApplication>
-#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleHints>
@@ -12,7 +11,7 @@
 #include "studio/focus_mark.h"
 #include "studio/palette.h"
 #include "studio/studio_button.h"
-#include "studio/studio_field.h"
+#include "studio/studio_line_edit.h"
 #include "studio/studio_text.h"
 #include "studio/window_button.h"
 
@@ -23,8 +22,6 @@ namespace {
 /// The title's box reaches this far beyond its text, to show that it can be edited.
 constexpr int titleOutset = 6, titleHeight = 30;
 constexpr double logoRadius = 6, titleRadius = 7;
-/// What a line edit leaves empty on each side by itself.
-constexpr int lineEditMargin = 2;
 
 /// The picture's shape in one colour.
 QImage tinted(const QImage& picture, const QColor& color) {
@@ -39,7 +36,7 @@ QImage tinted(const QImage& picture, const QColor& color) {
 
 TopBar::TopBar(QWidget* parent)
     : QWidget(parent),
-      title_(new QLineEdit(this)),
+      title_(new StudioLineEdit({14, FontWeight::Medium}, titleOutset, 2, this)),
       summary_(new StudioText({12, FontWeight::Medium}, Studio::mute, this)),
       new_(new StudioButton(tr("New"), {}, ButtonLook::Flat, this)),
       play_(new StudioButton(tr("Play"), QStringLiteral("play.fill"), ButtonLook::Flat, this)),
@@ -49,11 +46,11 @@ TopBar::TopBar(QWidget* parent)
       zoom_(new WindowButton(QStringLiteral("window.zoom"), tr("Zoom"), this)),
       close_(new WindowButton(QStringLiteral("window.close"), tr("Close"), this)) {
   setFixedHeight(barHeight);
+  summary_->setFixedHeight(StudioButton::buttonHeight);
+  summary_->standWith(StudioButton::titleStyle);
   if (const auto mark = BundleImage::named(QStringLiteral("brisklet-mark")))
     logo_ = tinted(*mark, Studio::ink);
 
-  styleLineEdit(*title_, {14, FontWeight::Medium});
-  title_->setTextMargins(titleOutset - lineEditMargin, 0, 0, 0);
   title_->setPlaceholderText(tr("Untitled video"));
   title_->setAccessibleName(tr("Title"));
   title_->setAttribute(Qt::WA_Hover);
@@ -70,10 +67,7 @@ TopBar::TopBar(QWidget* parent)
 }
 
 void TopBar::setState(const State& state) {
-  if (title_->text() != state.title) {
-    title_->setText(state.title);
-    if (!title_->hasFocus()) title_->setCursorPosition(0);
-  }
+  title_->showText(state.title);
   summary_->setText(state.summary);
   play_->setTitle(state.isPlaying ? tr("Playing") : tr("Play"));
   play_->setUsable(state.canPlay);

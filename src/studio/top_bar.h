@@ -6,11 +6,10 @@
 #include <QWidget>
 #include <optional>
 
-class QLineEdit;
-
 namespace brisklet {
 
 class StudioButton;
+class StudioLineEdit;
 class StudioText;
 class WindowButton;
 
@@ -63,7 +62,7 @@ class TopBar : public QWidget {
   void paintLogo(QPainter& painter) const;
 
   QImage logo_;
-  QLineEdit* title_;
+  StudioLineEdit* title_;
   StudioText* summary_;
   StudioButton* new_;
   StudioButton* play_;
