@@ -49,5 +49,6 @@ Picture dawn(int width, int height);
 Picture night(int width, int height);
 Picture dunes(int width, int height);
 Picture glass(int width, int height);
+Picture sea(int width, int height);
 
 }  // namespace brisklet
