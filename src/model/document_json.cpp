@@ -179,8 +179,14 @@ QString reasonOf(const std::exception& error) {
 constexpr std::array documentKeys{"title",      "wallpaper", "wallpaperUrl", "dateLabel",    "timeLabel",
                                   "maxVisible", "playing",   "loop",         "notifications"};
 
-bool isDocumentKey(const std::string& key) {
-  return std::find(documentKeys.begin(), documentKeys.end(), key) != documentKeys.end();
+constexpr std::array pingKeys{"id",    "appId",   "appLabel", "icon", "color",
+                              "title", "message", "delayMs",  "sound"};
+
+bool isKnownKey(const std::string& key, int depth) {
+  const auto isIn = [&key](const auto& keys) {
+    return std::find(keys.begin(), keys.end(), key) != keys.end();
+  };
+  return depth == 1 ? isIn(documentKeys) : isIn(pingKeys);
 }
 
 Json parse(const QByteArray& json) {
@@ -195,9 +201,9 @@ Json parse(const QByteArray& json) {
       throw Error(u"it is nested more than %1 levels deep"_s.arg(maxDocumentDepth));
     if ((opens || event == Event::value) && ++values > maxValues)
       throw Error(u"it holds more than %1 values"_s.arg(maxValues));
-    // What the document does not know is dropped before it takes memory.
-    if (event == Event::key && depth == 1) return isDocumentKey(parsed.get_ref<const std::string&>());
-    return true;
+    // What a document does not know is dropped before it takes memory, and time: each key that is kept is
+    // compared with all that its object has already.
+    return event != Event::key || isKnownKey(parsed.get_ref<const std::string&>(), depth);
   };
   try {
     return Json::parse(json.begin(), json.end(), keep);

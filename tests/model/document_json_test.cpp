@@ -122,6 +122,21 @@ TEST(DocumentJson, limitsHoldBeforeTheTextCostsMemory) {
       decodingError("{\"notifications\": [" + QByteArray("0,").repeated(2000000) + "0]}").contains("values"));
 }
 
+TEST(DocumentJson, keysWithoutMeaningCostNeitherMemoryNorTime) {
+  // Were they kept, each would be compared with all before it, for hours.
+  const auto keys = [](int count) {
+    QByteArray text;
+    for (int i = 0; i < count; ++i) text += "\"k" + QByteArray::number(i) + "\":0,";
+    return text;
+  };
+  const SequenceDocument document =
+      decodeDocument("{\"notifications\": [{" + keys(1000000) + "\"delayMs\": {" + keys(500000) +
+                     "\"title\": 1}, \"title\": \"Mom\"}]}");
+  ASSERT_EQ(document.notifications.size(), 1);
+  EXPECT_EQ(document.notifications.first().title, "Mom");
+  EXPECT_EQ(document.notifications.first().delayMs, 0);
+}
+
 TEST(DocumentJson, halfASurrogatePairIsReadAsTheReplacementCharacter) {
   const SequenceDocument document =
       decodeDocument(R"({"title": "a\ud800b\udc00\\ud800\ud83d\ude02\ud83d\u0041"})");
