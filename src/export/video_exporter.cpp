@@ -24,6 +24,8 @@ constexpr auto readinessPoll = 5ms;
 /// The calling thread's other work gets its turn at least this often, also while the writer is always ready.
 constexpr qint64 longestTurnMs = 8;
 constexpr qint64 audioChunkFrames = 4096;
+/// The soundtrack is made in pieces of about twelve seconds, so that its length costs no memory.
+constexpr qint64 soundtrackPieceFrames = 128 * audioChunkFrames;
 
 constexpr VideoSettings videoSettings{.width = 1170,
                                       .height = 2532,
@@ -137,14 +139,18 @@ QCoro::Task<> appendVideo(const SequenceDocument& document, MovieWriter& writer,
 }
 
 QCoro::Task<> appendAudio(const SequenceDocument& document, MovieWriter& writer, Turn& turn) {
-  const QByteArray pcm = NotificationSounds::stereoPCM(document);
-  const qint64 total = pcm.size() / 4;
+  const qint64 total = NotificationSounds::soundtrackFrames(document);
+  QByteArray piece;
   for (qint64 offset = 0; offset < total; offset += audioChunkFrames) {
+    const qint64 inPiece = offset % soundtrackPieceFrames;
+    if (inPiece == 0)
+      piece =
+          NotificationSounds::stereoPCM(document, offset, std::min(total - offset, soundtrackPieceFrames));
     if (turn.isOver()) co_await turn.pause(0ms);
     while (!writer.isReadyForMoreAudio()) co_await turn.pause(readinessPoll);
     const qint64 frames = std::min(total - offset, audioChunkFrames);
     const auto chunk =
-        NotificationSounds::audioSampleBuffer(pcm.sliced(offset * 4, frames * 4), frames, offset);
+        NotificationSounds::audioSampleBuffer(piece.sliced(inPiece * 4, frames * 4), frames, offset);
     if (chunk) writer.appendAudio(*chunk);
   }
   writer.markAudioFinished();
@@ -174,7 +180,8 @@ ExportError::ExportError() : Error(u"Could not write the video file."_s) {}
 ExportCancelled::ExportCancelled() : Error(u"The export was stopped."_s) {}
 
 qint64 VideoExporter::frameCount(const SequenceDocument& document) {
-  return std::max<qint64>(1, static_cast<qint64>(document.durationMs() / 1000 * framesPerSecond));
+  const double frames = document.durationMs() / 1000 * framesPerSecond;
+  return frames < 1 ? 1 : static_cast<qint64>(frames);
 }
 
 void VideoExporter::requireExportable(const SequenceDocument& document) {

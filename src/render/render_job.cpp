@@ -103,8 +103,18 @@ void saveStill(const SequenceDocument& document, const RenderJob& job) {
 }
 
 void saveSoundtrack(const SequenceDocument& document, const RenderJob& job) {
-  const QByteArray wav = wavFile(NotificationSounds::stereoPCM(document), 2);
-  saveFile(job.soundtrack, [&wav](QIODevice& file) { return file.write(wav) == wav.size(); });
+  constexpr qint64 pieceFrames = 1 << 20;
+  const qint64 total = NotificationSounds::soundtrackFrames(document);
+  const QByteArray header = wavHeader(total * 4, 2);
+  saveFile(job.soundtrack, [&](QIODevice& file) {
+    bool isWritten = file.write(header) == header.size();
+    for (qint64 first = 0; isWritten && first < total; first += pieceFrames) {
+      const QByteArray piece =
+          NotificationSounds::stereoPCM(document, first, std::min(total - first, pieceFrames));
+      isWritten = file.write(piece) == piece.size();
+    }
+    return isWritten;
+  });
 }
 
 }  // namespace

@@ -43,6 +43,35 @@ float envelope(float gain, double seconds, double decaySeconds) {
   return gain * std::pow(envelopeFloor / gain, static_cast<float>((seconds - attackSeconds) / decaySeconds));
 }
 
+/// The sample at which a tone starts; nothing for a time that lies outside of what an index can count, and so
+/// outside any buffer.
+std::optional<qint64> sampleAt(double atMs) {
+  const double sample = std::trunc(atMs / 1000 * sampleRate);
+  constexpr double farthest = 4611686018427387904.0;  // 2^62
+  if (!(std::abs(sample) < farthest)) return {};
+  return static_cast<qint64>(sample);
+}
+
+void mixAt(const Tone& recipe, qint64 start, std::span<float> buffer) {
+  const qint64 length = samples(recipe.duration);
+  const auto size = static_cast<qint64>(buffer.size());
+  const auto gain = static_cast<float>(recipe.gain);
+  const double decaySeconds = std::max(recipe.duration - attackSeconds, shortestDecaySeconds);
+  for (std::size_t note = 0; note < recipe.frequencies.size(); ++note) {
+    const qint64 noteStart = start + samples(static_cast<double>(note) * staggerSeconds);
+    const double step = recipe.frequencies[note] / sampleRate;
+    // A note cut at the buffer's start begins there with phase 0, but its envelope has gone on.
+    double phase = 0;
+    const qint64 end = std::min(length, size - noteStart);
+    for (qint64 j = std::max<qint64>(0, -noteStart); j < end; ++j) {
+      const float level = envelope(gain, static_cast<double>(j) / sampleRate, decaySeconds);
+      buffer[static_cast<std::size_t>(noteStart + j)] +=
+          level * static_cast<float>(oscillator(recipe.wave, phase));
+      phase += step;
+    }
+  }
+}
+
 /// `mono` as 16-bit little-endian samples, each written for every channel.
 QByteArray interleaved(std::span<const float> mono, qsizetype channels) {
   QByteArray pcm(static_cast<qsizetype>(mono.size()) * channels * 2, Qt::Uninitialized);
@@ -78,30 +107,12 @@ const Tone& tone(const QString& appId) {
 }
 
 void mix(const QString& appId, double atMs, std::span<float> buffer) {
-  const Tone& recipe = tone(appId);
-  const double startSample = std::trunc(atMs / 1000 * sampleRate);
-  // Far outside any buffer, and outside what an index can count.
-  constexpr double farthest = 4611686018427387904.0;  // 2^62
-  if (!(std::abs(startSample) < farthest)) return;
+  if (const std::optional<qint64> start = sampleAt(atMs)) mixAt(tone(appId), *start, buffer);
+}
 
-  const auto start = static_cast<qint64>(startSample);
-  const qint64 length = samples(recipe.duration);
-  const auto size = static_cast<qint64>(buffer.size());
-  const auto gain = static_cast<float>(recipe.gain);
-  const double decaySeconds = std::max(recipe.duration - attackSeconds, shortestDecaySeconds);
-  for (std::size_t note = 0; note < recipe.frequencies.size(); ++note) {
-    const qint64 noteStart = start + samples(static_cast<double>(note) * staggerSeconds);
-    const double step = recipe.frequencies[note] / sampleRate;
-    // A note cut at the buffer's start begins there with phase 0, but its envelope has gone on.
-    double phase = 0;
-    const qint64 end = std::min(length, size - noteStart);
-    for (qint64 j = std::max<qint64>(0, -noteStart); j < end; ++j) {
-      const float level = envelope(gain, static_cast<double>(j) / sampleRate, decaySeconds);
-      buffer[static_cast<std::size_t>(noteStart + j)] +=
-          level * static_cast<float>(oscillator(recipe.wave, phase));
-      phase += step;
-    }
-  }
+qint64 soundtrackFrames(const SequenceDocument& document) {
+  const double frames = document.durationMs() / 1000 * sampleRate;
+  return frames < 1 ? 1 : static_cast<qint64>(frames);
 }
 
 std::vector<float> rendered(const QString& appId) {
@@ -119,10 +130,21 @@ QByteArray wav(const QString& appId) {
 }
 
 QByteArray stereoPCM(const SequenceDocument& document) {
-  const auto frames = std::max<qint64>(1, static_cast<qint64>(document.durationMs() / 1000 * sampleRate));
-  std::vector<float> mono(static_cast<std::size_t>(frames));
-  for (const Ping& ping : document.notifications) mix(ping.appId, ping.delayMs, mono);
-  return interleaved(mono, 2);
+  return stereoPCM(document, 0, soundtrackFrames(document));
+}
+
+QByteArray stereoPCM(const SequenceDocument& document, qint64 first, qint64 frames) {
+  // Mixing begins early enough for every tone that is heard in the piece to be mixed from its own start: a
+  // tone that is cut has another phase.
+  constexpr qint64 longerThanAnyTone = sampleRate;
+  const qint64 begin = std::max<qint64>(0, first - longerThanAnyTone);
+  const qint64 end = first + frames;
+  std::vector<float> mono(static_cast<std::size_t>(end - begin));
+  for (const Ping& ping : document.notifications) {
+    const qint64 start = sampleAt(ping.delayMs).value_or(end);
+    if (begin - longerThanAnyTone < start && start < end) mixAt(tone(ping.appId), start - begin, mono);
+  }
+  return interleaved(std::span(mono).subspan(static_cast<std::size_t>(first - begin)), 2);
 }
 
 std::optional<AudioChunk> audioSampleBuffer(const QByteArray& pcm, qint64 frames, qint64 presentationTime) {

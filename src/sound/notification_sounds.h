@@ -47,9 +47,16 @@ void mix(const QString& appId, double atMs, std::span<float> buffer);
 /// `rendered` as a 16-bit mono WAV file.
 [[nodiscard]] QByteArray wav(const QString& appId);
 
+/// The length of a document's soundtrack in frames of 1 / 44100 s, at least one. The document's length must
+/// be finite.
+[[nodiscard]] qint64 soundtrackFrames(const SequenceDocument& document);
+
 /// The whole soundtrack of a document: interleaved stereo, 16-bit little-endian, 44100 Hz, left and right
-/// equal. At least one frame. The document's length must be finite.
+/// equal.
 [[nodiscard]] QByteArray stereoPCM(const SequenceDocument& document);
+
+/// The part of the soundtrack from frame `first` on, equal to the bit, for the memory of that part alone.
+[[nodiscard]] QByteArray stereoPCM(const SequenceDocument& document, qint64 first, qint64 frames);
 
 /// A piece of the soundtrack for the movie: exactly `frames` frames, the first presented at
 /// `presentationTime` in units of 1 / 44100 s. Nothing for an empty piece, or one that is not `frames` frames

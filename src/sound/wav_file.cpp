@@ -20,15 +20,14 @@ void append(QByteArray& bytes, Integer value) {
 
 }  // namespace
 
-QByteArray wavFile(const QByteArray& pcm, int channels) {
+QByteArray wavHeader(qint64 pcmBytes, int channels) {
   constexpr quint32 headerAfterSize = 36;
-  if (pcm.size() > std::numeric_limits<quint32>::max() - headerAfterSize)
+  if (pcmBytes > std::numeric_limits<quint32>::max() - headerAfterSize)
     throw Error(u"the soundtrack is too long for a WAV file, which ends at 4 GiB"_s);
-  const auto dataBytes = static_cast<quint32>(pcm.size());
+  const auto dataBytes = static_cast<quint32>(pcmBytes);
   const auto frameBytes = static_cast<quint16>(channels * 2);
 
   QByteArray file;
-  file.reserve(44 + pcm.size());
   file.append("RIFF");
   append<quint32>(file, headerAfterSize + dataBytes);
   file.append("WAVEfmt ");
@@ -41,8 +40,11 @@ QByteArray wavFile(const QByteArray& pcm, int channels) {
   append<quint16>(file, 16);
   file.append("data");
   append<quint32>(file, dataBytes);
-  file.append(pcm);
   return file;
+}
+
+QByteArray wavFile(const QByteArray& pcm, int channels) {
+  return wavHeader(pcm.size(), channels) + pcm;
 }
 
 }  // namespace brisklet

@@ -143,6 +143,23 @@ TEST(Soundtrack, overlappingTonesAddAndClipOnlyAtTheEnd) {
   EXPECT_EQ(greatest, 32767);
 }
 
+TEST(Soundtrack, itsPiecesAreEqualToTheWholeToTheBit) {
+  // Tones before the start, across the cuts and on top of each other, which sum up differently in another
+  // order.
+  QList<std::pair<QString, double>> pings{{"snapchat", -40}, {"cashapp", 3000}, {"youtube", -5000}};
+  for (int i = 0; i < 60; ++i) pings.append({i % 2 ? "messages" : "tiktok", 3000 - 47.3 * i});
+  const SequenceDocument document = documentWith(pings);
+  const QByteArray whole = stereoPCM(document);
+  const qint64 frames = NotificationSounds::soundtrackFrames(document);
+  ASSERT_EQ(whole.size(), frames * 4);
+  for (const qint64 length : {qint64{1000}, qint64{4097}, qint64{70000}, frames}) {
+    QByteArray joined;
+    for (qint64 first = 0; first < frames; first += length)
+      joined += stereoPCM(document, first, std::min(length, frames - first));
+    EXPECT_TRUE(joined == whole) << length;
+  }
+}
+
 TEST(Soundtrack, onlyWholeChunksAreWrapped) {
   const QByteArray pcm(4096 * 4, 1);
   const auto chunk = NotificationSounds::audioSampleBuffer(pcm, 4096, 8192);
