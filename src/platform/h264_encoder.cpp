@@ -1,7 +1,7 @@
 #include "platform/h264_encoder.h"
 
 #include <algorithm>
-#include <cstdarg>
+#include <cmath>
 
 #include "platform/movie_failure.h"
 
@@ -24,9 +24,7 @@ constexpr int bt709 = 1;
 x264_param_t parametersFor(const H264Settings& settings) {
   x264_param_t parameters;
   require(x264_param_default_preset(&parameters, "veryfast", "psnr") == 0, "choosing the encoder's preset");
-  // The PSNR is worked out only where someone listens at this level.
-  parameters.i_log_level = X264_LOG_INFO;
-  parameters.pf_log = [](void*, int, const char*, va_list) {};
+  parameters.i_log_level = X264_LOG_NONE;
   parameters.b_cpu_independent = 1;
   parameters.i_threads = 1;
   parameters.i_sync_lookahead = 0;
@@ -52,14 +50,19 @@ x264_param_t parametersFor(const H264Settings& settings) {
   parameters.rc.b_mb_tree = 0;
   parameters.rc.i_lookahead = 0;
   parameters.rc.i_rc_method = X264_RC_CQP;
-  parameters.rc.i_qp_constant = 14;  // each picture names its own; 0 would mean lossless
+  // Each picture names its quantiser; x264 clips it to the range between those of its picture types, which it
+  // lays around one by factors of 10 at most: that is 19 steps.
+  constexpr int middle = 23;
+  const auto factor = [](int steps) { return std::exp2(static_cast<float>(steps) / 6); };
+  parameters.rc.i_qp_constant = middle;
+  parameters.rc.f_ip_factor = factor(middle - H264Encoder::finestQuantiser);
+  parameters.rc.f_pb_factor = factor(H264Encoder::coarsestQuantiser - middle);
   // Macroblocks can be told unchanged only where prediction is not weighted.
   parameters.analyse.i_weighted_pred = X264_WEIGHTP_NONE;
   parameters.analyse.b_mb_info = 1;
   // Below a quantiser of 16 the filter changes nothing, but beside changes it would make x264 doubt what it
   // is told to be unchanged.
   parameters.b_deblocking_filter = 0;
-  parameters.analyse.b_psnr = 1;
   parameters.b_full_recon = 1;
 
   parameters.b_repeat_headers = 0;  // the only ones stand in the container
@@ -87,8 +90,8 @@ H264Encoder::H264Encoder(const H264Settings& settings) : width_(settings.width),
   }
 }
 
-H264Encoder::Encoded H264Encoder::encode(const YuvPicture& picture, PictureCoding coding, int quantiser,
-                                         std::span<const uint8_t> unchanged) {
+std::span<const uint8_t> H264Encoder::encode(const YuvPicture& picture, PictureCoding coding, int quantiser,
+                                             std::span<const uint8_t> unchanged) {
   x264_picture_t in;
   x264_picture_init(&in);
   in.i_type = coding == PictureCoding::Idr ? X264_TYPE_IDR : X264_TYPE_P;
@@ -115,7 +118,7 @@ H264Encoder::Encoded H264Encoder::encode(const YuvPicture& picture, PictureCodin
   for (const x264_nal_t& nal : std::span(nals, static_cast<size_t>(count)))
     if (isSlice(nal)) slices_.insert(slices_.end(), nal.p_payload, nal.p_payload + nal.i_payload);
   if (slices_.empty()) throw MovieFailure("the video encoder held a picture back");
-  return {slices_, out_.prop.f_psnr[0]};
+  return slices_;
 }
 
 std::vector<uint8_t> H264Encoder::reconstruction() const {

@@ -21,23 +21,21 @@ enum class PictureCoding { Idr, Predicted };
 /// the bytes depend on the pictures alone.
 class H264Encoder {
  public:
+  /// The quantisers that pictures can have.
+  static constexpr int finestQuantiser = 4, coarsestQuantiser = 38;
+
   explicit H264Encoder(const H264Settings& settings);
 
   /// NAL units without length or start code.
   [[nodiscard]] const std::vector<uint8_t>& sequenceParameters() const { return sps_; }
   [[nodiscard]] const std::vector<uint8_t>& pictureParameters() const { return pps_; }
 
-  struct Encoded {
-    /// The slices, each a NAL unit behind its length in four bytes. Valid until the next call.
-    std::span<const uint8_t> slices;
-    double lumaPsnr = 0;  // dB, against the picture that came in
-  };
-
-  /// Encodes with the same quantiser (0 to 51) everywhere. `unchanged` is empty or says of each macroblock
+  /// The slices of the picture, each a NAL unit behind its length in four bytes; valid until the next call.
+  /// The quantiser is the same everywhere. `unchanged` is empty or says of each macroblock
   /// whether (not 0) it is equal to the one in the picture before; such a one is skipped without a look at
   /// it, provided that its quantiser then was not above this one.
-  [[nodiscard]] Encoded encode(const YuvPicture& picture, PictureCoding coding, int quantiser,
-                               std::span<const uint8_t> unchanged = {});
+  [[nodiscard]] std::span<const uint8_t> encode(const YuvPicture& picture, PictureCoding coding,
+                                                int quantiser, std::span<const uint8_t> unchanged = {});
 
   /// The picture last encoded, as a decoder sees it: its rows of luma, then those of chroma.
   [[nodiscard]] std::vector<uint8_t> reconstruction() const;

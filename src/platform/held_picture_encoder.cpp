@@ -15,17 +15,14 @@ constexpr int longestSecondsBetweenIdrs = 5;
 constexpr int secondsUntilAChangeIsIdr = 3;
 
 // Quality is constant: one quantiser for key frames and changes alike, so that a picture is as good at its
-// first frame as at any later one. At 14 a photo with heavy grain keeps 47 dB, ordinary pictures 50 to 58;
-// where a picture still falls below the least, the quantiser is made finer for the rest of the movie.
+// first frame as at any later one. At 14 grain of any strength keeps 47 dB of its luma, in key frames and in
+// changes, and ordinary pictures have 50 to 58; at 15 it would be 46.4.
 constexpr int usualQuantiser = 14;
-constexpr int leastQuantiser = 4;
-constexpr double leastPsnr = 46.5;  // dB; the goal is 46
 
 // The rate stays free as long as the movie is less than this ahead of its average: a movie goes on for 1.8 s
 // after its last change, so it evens out. Only a storm of changes gets there; then the quantiser rises.
 constexpr double freeSeconds = 1.6;
 constexpr double raisePerSecond = 60;
-constexpr int highestRaise = 24;
 
 constexpr int mostAttemptsAtRepeat = 3;
 
@@ -56,8 +53,7 @@ HeldPictureEncoder::HeldPictureEncoder(const H264Settings& settings, int average
     : encoder_(settings),
       framesPerSecond_(settings.framesPerSecond),
       averageBitRate_(averageBitRate),
-      sink_(std::move(sink)),
-      quantiser_(usualQuantiser) {
+      sink_(std::move(sink)) {
   if (repeats == RepeatCoding::Reuse) movable_ = movableSlices(encoder_.sequenceParameters());
 }
 
@@ -85,7 +81,7 @@ void HeldPictureEncoder::show(std::shared_ptr<const YuvPicture> picture, std::sp
 
 void HeldPictureEncoder::hold() {
   const bool isIdrDue = framesSinceIdr_ >= longestSecondsBetweenIdrs * framesPerSecond_;
-  const bool canBeRefined = lastQuantiser_ > quantiser_ && quantiserRaise() == 0;
+  const bool canBeRefined = quantiser_ > usualQuantiser && quantiserRaise() == 0;
   if (isIdrDue && !idr_.empty() && !canBeRefined)
     write(idr_, PictureCoding::Idr);
   else if (isIdrDue || canBeRefined)
@@ -98,31 +94,23 @@ void HeldPictureEncoder::hold() {
     encodePredicted({});
 }
 
-H264Encoder::Encoded HeldPictureEncoder::encode(PictureCoding coding, std::span<const uint8_t> unchanged) {
-  lastQuantiser_ = quantiser_ + quantiserRaise();
-  return encoder_.encode(*picture_, coding, lastQuantiser_, unchanged);
+std::span<const uint8_t> HeldPictureEncoder::encode(PictureCoding coding,
+                                                    std::span<const uint8_t> unchanged) {
+  quantiser_ = usualQuantiser + quantiserRaise();
+  return encoder_.encode(*picture_, coding, quantiser_, unchanged);
 }
 
 void HeldPictureEncoder::encodeIdr() {
-  H264Encoder::Encoded encoded = encode(PictureCoding::Idr);
-  // Two key frames in a row must differ in their `idr_pic_id`, which alternates: there is no second try
-  // there.
-  while (isPoor(encoded) && framesSinceIdr_ != 1) {
-    refine(encoded.lumaPsnr);
-    encoded = encode(PictureCoding::Idr);
-  }
-  if (movable_) idr_.assign(encoded.slices.begin(), encoded.slices.end());
-  write(encoded.slices, PictureCoding::Idr);
+  const std::span<const uint8_t> unit = encode(PictureCoding::Idr);
+  if (movable_) idr_.assign(unit.begin(), unit.end());
+  write(unit, PictureCoding::Idr);
 }
 
 void HeldPictureEncoder::encodePredicted(std::span<const uint8_t> unchanged) {
-  const H264Encoder::Encoded encoded = encode(PictureCoding::Predicted, unchanged);
-  if (!movable_) return write(encoded.slices, PictureCoding::Predicted);
-  if (isPoor(encoded)) {
-    refine(encoded.lumaPsnr);
-  } else if (const std::optional<std::vector<uint8_t>> unit = placed(encoded.slices)) {
-    return write(*unit, PictureCoding::Predicted);
-  }
+  const std::span<const uint8_t> unit = encode(PictureCoding::Predicted, unchanged);
+  if (!movable_) return write(unit, PictureCoding::Predicted);
+  if (const std::optional<std::vector<uint8_t>> here = placed(unit))
+    return write(*here, PictureCoding::Predicted);
   encodeIdr();  // what was encoded before has no part in it
 }
 
@@ -133,13 +121,12 @@ void HeldPictureEncoder::encodeFirstRepeat() {
       static_cast<size_t>(picture_->macroblockColumns()) * static_cast<size_t>(picture_->macroblockRows()),
       1);
   // Macroblocks are skipped unseen if their quantiser was not above this one.
-  const H264Encoder::Encoded encoded =
-      encoder_.encode(*picture_, PictureCoding::Predicted, lastQuantiser_, all);
-  const std::optional<std::vector<uint8_t>> unit = placed(encoded.slices);
-  if (!unit) return encodeIdr();
+  const std::span<const uint8_t> unit = encoder_.encode(*picture_, PictureCoding::Predicted, quantiser_, all);
+  const std::optional<std::vector<uint8_t>> here = placed(unit);
+  if (!here) return encodeIdr();
   // A skipped macroblock costs a few hundredths of a bit: much more than that is no slice of nothing.
-  if (encoded.slices.size() < all.size() / 32 + 64 && encoder_.reconstruction() == before) repeat_ = *unit;
-  write(*unit, PictureCoding::Predicted);
+  if (unit.size() < all.size() / 32 + 64 && encoder_.reconstruction() == before) repeat_ = *here;
+  write(*here, PictureCoding::Predicted);
 }
 
 void HeldPictureEncoder::write(std::span<const uint8_t> accessUnit, PictureCoding coding) {
@@ -170,20 +157,11 @@ bool HeldPictureEncoder::mayFindRepeat() const {
   return movable_ && repeat_.empty() && attemptsAtRepeat_ < mostAttemptsAtRepeat;
 }
 
-bool HeldPictureEncoder::isPoor(const H264Encoder::Encoded& encoded) const {
-  return encoded.lumaPsnr < leastPsnr && lastQuantiser_ <= quantiser_ && quantiser_ > leastQuantiser;
-}
-
-void HeldPictureEncoder::refine(double lumaPsnr) {
-  const auto missing = static_cast<int>(std::ceil(leastPsnr - lumaPsnr));  // a step is about a dB
-  quantiser_ = std::max(quantiser_ - missing, leastQuantiser);
-}
-
 int HeldPictureEncoder::quantiserRaise() const {
   const double shownSeconds = static_cast<double>(frames_) / framesPerSecond_;
   const double aheadSeconds = static_cast<double>(bytes_) * 8 / averageBitRate_ - shownSeconds;
   return std::clamp(static_cast<int>(std::ceil((aheadSeconds - freeSeconds) * raisePerSecond)), 0,
-                    highestRaise);
+                    H264Encoder::coarsestQuantiser - usualQuantiser);
 }
 
 }  // namespace brisklet

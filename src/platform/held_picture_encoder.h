@@ -51,7 +51,8 @@ class HeldPictureEncoder {
   void hold();
 
  private:
-  [[nodiscard]] H264Encoder::Encoded encode(PictureCoding coding, std::span<const uint8_t> unchanged = {});
+  [[nodiscard]] std::span<const uint8_t> encode(PictureCoding coding,
+                                                std::span<const uint8_t> unchanged = {});
   void encodeIdr();
   void encodePredicted(std::span<const uint8_t> unchanged);
   void encodeFirstRepeat();
@@ -61,9 +62,6 @@ class HeldPictureEncoder {
   [[nodiscard]] std::optional<std::vector<uint8_t>> placed(std::span<const uint8_t> accessUnit) const;
   [[nodiscard]] int quantiserRaise() const;
   [[nodiscard]] bool mayFindRepeat() const;
-  /// Whether a picture came out worse than it should, though its quantiser was not raised.
-  [[nodiscard]] bool isPoor(const H264Encoder::Encoded& encoded) const;
-  void refine(double lumaPsnr);
 
   H264Encoder encoder_;
   const int framesPerSecond_;
@@ -78,8 +76,7 @@ class HeldPictureEncoder {
   std::vector<uint8_t> reconstruction_;        // of the frame before, as long as there is no `repeat_`
   int attemptsAtRepeat_ = 0;
 
-  int quantiser_;          // without a raise
-  int lastQuantiser_ = 0;  // of the frame before
+  int quantiser_ = 0;      // of the frame before
   uint32_t frameNum_ = 0;  // of the next frame
   int framesSinceIdr_ = 0;
   int64_t frames_ = 0;
