@@ -2,9 +2,12 @@
 
 #include <QEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QWindow>
 #include <algorithm>
+
+#include "studio/palette.h"
 
 namespace brisklet {
 
@@ -12,6 +15,8 @@ namespace {
 
 /// A window manager has zoomed the window within this time, or there is none.
 constexpr int zoomPatienceMs = 300;
+
+constexpr QColor hairlineColor = Studio::srgb(0, 0, 0, 0.1);
 
 Qt::CursorShape cursorFor(Qt::Edges edges) {
   if (edges == (Qt::TopEdge | Qt::LeftEdge) || edges == (Qt::BottomEdge | Qt::RightEdge))
@@ -21,7 +26,8 @@ Qt::CursorShape cursorFor(Qt::Edges edges) {
   return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
-/// An invisible strip of the window's edge.
+/// A strip along the window's edge. Only a hairline of it is seen, which sets the window off from what is
+/// behind it.
 class Grip : public QWidget {
  public:
   Grip(Qt::Edges edges, QWidget* window) : QWidget(window), edges_(edges) {
@@ -32,6 +38,16 @@ class Grip : public QWidget {
   [[nodiscard]] Qt::Edges edges() const { return edges_; }
 
  protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    const double pixel = 1 / painter.deviceTransform().m11();
+    QRectF hairline = rect();
+    if (edges_ == Qt::LeftEdge || edges_ == Qt::RightEdge) hairline.setWidth(pixel);
+    if (edges_ == Qt::TopEdge || edges_ == Qt::BottomEdge) hairline.setHeight(pixel);
+    if (edges_ == Qt::RightEdge) hairline.moveRight(width());
+    if (edges_ == Qt::BottomEdge) hairline.moveBottom(height());
+    if (hairline != rect()) painter.fillRect(hairline, hairlineColor);
+  }
   void mousePressEvent(QMouseEvent* event) override {
     if (event->button() != Qt::LeftButton) return;
     heldAt_ = event->globalPosition().toPoint();
