@@ -1,0 +1,53 @@
+#!/usr/bin/env python3
+"""Makes a scene file of every row of a table: make_scenes.py TABLE.csv DIRECTORY
+
+The table's columns: name, wallpaper, clock, app, sender, and then as many messages as you like. A row becomes
+DIRECTORY/NAME.json, a scene in which one sender's messages arrive one after another.
+"""
+
+import csv
+import json
+import pathlib
+import sys
+
+APPS = {"tiktok": "TikTok", "instagram": "Instagram", "messages": "Messages", "snapchat": "Snapchat", "cashapp": "Cash App"}
+
+
+def landings(messages):
+    """When each message lands, in milliseconds: a pause that grows with the length of the message before."""
+    at = 700
+    for message in messages:
+        yield at
+        at += 500 + 35 * len(message)
+
+
+def scene(row):
+    name, wallpaper, clock, app, sender, *messages = row
+    messages = [message for message in messages if message]
+    app_id = app if app in APPS else "custom"
+    return name, {
+        "title": name,
+        "wallpaper": wallpaper,
+        "timeLabel": clock,
+        "notifications": [
+            {"appId": app_id, "appLabel": APPS.get(app, app), "title": sender, "message": message, "delayMs": at}
+            for message, at in zip(messages, landings(messages))
+        ],
+    }
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__.split("\n")[0])
+    directory = pathlib.Path(sys.argv[2])
+    directory.mkdir(parents=True, exist_ok=True)
+    with open(sys.argv[1], encoding="utf-8", newline="") as table:
+        rows = csv.reader(table)
+        next(rows)
+        for row in rows:
+            if row:
+                name, document = scene(row)
+                (directory / f"{name}.json").write_text(json.dumps(document, ensure_ascii=False, indent=2) + "\n", "utf-8")
+
+
+main()

@@ -1,0 +1,11 @@
+#compdef brisklet-render
+
+_arguments -s -S \
+  '(--into)--still=[make one picture of the scene]:picture:_files -g "*.png(-.)"' \
+  '(--into)--at=[the moment of the picture]:seconds:(end)' \
+  '(--into)--soundtrack=[write the sound as a WAV file]:sound:_files -g "*.wav(-.)"' \
+  '(--still --at --soundtrack)--into=[make one movie a scene in this directory]:directory:_files -/' \
+  '(-q --quiet)'{-q,--quiet}'[show no progress]' \
+  '(- *)'{-h,--help}'[show the usage]' \
+  '(- *)--version[show the version]' \
+  '*:file:_files -g "*.(json|mp4)(-.)"'
