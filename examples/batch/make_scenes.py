@@ -1,5 +1,4 @@
-#!/usr/bin/env python3
-"""Makes a scene file of every row of a table: make_scenes.py TABLE.csv DIRECTORY
+"""Makes a scene file of every row of a table: python3 make_scenes.py TABLE.csv DIRECTORY
 
 The table's columns: name, wallpaper, clock, app, sender, and then as many messages as you like. A row becomes
 DIRECTORY/NAME.json, a scene in which one sender's messages arrive one after another.

@@ -3,7 +3,7 @@ _brisklet_render() {
   local cur prev words cword
   _init_completion || return
 
-  local word files=0 into= previous=
+  local word files=0 into='' previous=''
   for word in "${words[@]:1:cword-1}"; do
     case $previous in
       --still | --at | --soundtrack | --into) ;;
