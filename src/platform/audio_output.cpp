@@ -22,7 +22,7 @@ constexpr std::uint32_t bytesFor(int milliseconds) {
 /// sample is heard some 33 ms after it was given. With less, a busy machine leaves gaps.
 constexpr std::uint32_t latencyBytes = bytesFor(60);
 constexpr std::uint32_t requestBytes = bytesFor(5);
-/// So much silence after the last sound, and the stream is closed. Sound long before that has been heard.
+/// So much silence after the last sound, and the stream rests. The last sound has been heard long before.
 constexpr std::size_t restAfterSamples = 30 * AudioSource::sampleRate;
 /// A device that keeps its source waiting longer than this has missed the moment of what waits.
 constexpr auto longestWait = std::chrono::milliseconds(400);
@@ -68,13 +68,15 @@ class PulseOutput final : public AudioOutput {
 
  private:
   void run() {
+    open();
     while (!quits_) {
       if (isWanted_.exchange(false)) {
         silentSamples_ = 0;
         open();
+        setAwake(true);
       }
+      if (silentSamples_ >= restAfterSamples) setAwake(false);
       if (hasFailed_) close();
-      if (silentSamples_ >= restAfterSamples) stream_.reset();
       if (pa_mainloop_iterate(loop_.get(), 1, nullptr) < 0) break;
       if (hasFailed_) close();
     }
@@ -85,7 +87,6 @@ class PulseOutput final : public AudioOutput {
   void open() {
     if (stream_) return;
     if (!context_) {
-      waitingSince_ = Clock::now();
       context_.reset(pa_context_new(pa_mainloop_get_api(loop_.get()), "Brisklet"));
       pa_context_set_state_callback(context_.get(), contextStateChanged, this);
       hasFailed_ |= pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0;
@@ -101,6 +102,7 @@ class PulseOutput final : public AudioOutput {
       hasFailed_ = true;
       return;
     }
+    if (!isAwake_) waitingSince_ = Clock::now();
     pa_stream_set_state_callback(stream_.get(), streamStateChanged, this);
     pa_stream_set_write_callback(stream_.get(), samplesRequested, this);
     constexpr auto serversChoice = static_cast<std::uint32_t>(-1);
@@ -110,13 +112,23 @@ class PulseOutput final : public AudioOutput {
                                 .prebuf = serversChoice,
                                 .minreq = requestBytes,
                                 .fragsize = serversChoice};
-    waitingSince_ = Clock::now();
-    hasFailed_ |= pa_stream_connect_playback(stream_.get(), nullptr, &buffer, PA_STREAM_ADJUST_LATENCY,
-                                             nullptr, nullptr) < 0;
+    constexpr auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_START_CORKED);
+    hasFailed_ |= pa_stream_connect_playback(stream_.get(), nullptr, &buffer, flags, nullptr, nullptr) < 0;
+  }
+
+  /// A stream at rest stays open: the server keeps its short latency for it, so that it wakes at once.
+  void setAwake(bool isAwake) {
+    if (isAwake && !isAwake_) waitingSince_ = Clock::now();
+    isAwake_ = isAwake;
+    const bool isReady = stream_ && pa_stream_get_state(stream_.get()) == PA_STREAM_READY;
+    if (!isReady || std::exchange(isStreamAwake_, isAwake) == isAwake) return;
+    if (pa_operation* corking = pa_stream_cork(stream_.get(), !isAwake, nullptr, nullptr))
+      pa_operation_unref(corking);
   }
 
   /// Back to rest, without a connection: the next `wake` makes a new one.
   void close() {
+    isAwake_ = isStreamAwake_ = false;
     hasFailed_ = false;
     stream_.reset();
     context_.reset();
@@ -131,7 +143,10 @@ class PulseOutput final : public AudioOutput {
   }
 
   static void streamStateChanged(pa_stream* stream, void* self) {
-    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream))) static_cast<PulseOutput*>(self)->hasFailed_ = true;
+    auto& output = *static_cast<PulseOutput*>(self);
+    const pa_stream_state_t state = pa_stream_get_state(stream);
+    if (!PA_STREAM_IS_GOOD(state)) output.hasFailed_ = true;
+    if (state == PA_STREAM_READY) output.setAwake(output.isAwake_);
   }
 
   static void samplesRequested(pa_stream* stream, std::size_t bytes, void* self) {
@@ -162,6 +177,8 @@ class PulseOutput final : public AudioOutput {
   std::unique_ptr<pa_context, FreeContext> context_;
   std::unique_ptr<pa_stream, FreeStream> stream_;
   bool hasFailed_ = false;
+  bool isAwake_ = false;        // what is wanted
+  bool isStreamAwake_ = false;  // what the server has been told
   std::size_t silentSamples_ = 0;
   Clock::time_point waitingSince_;
 
