@@ -32,8 +32,9 @@ namespace brisklet {
 
 namespace {
 
-constexpr size_t picturesInQueue = 4;
-constexpr size_t convertedInQueue = 2;
+// Converted pictures take less than half the memory, so the longer queue is theirs.
+constexpr size_t picturesInQueue = 2;
+constexpr size_t convertedInQueue = 3;
 constexpr size_t soundsInQueue = 64;
 constexpr int bytesPerSample = 2;
 
