@@ -60,6 +60,15 @@ StudioWindow* BriskletApp::openWindow() {
   window->setAttribute(Qt::WA_DeleteOnClose);
   connect(window, &StudioWindow::newWindowRequested, this, &BriskletApp::openWindow);
   connect(window, &StudioWindow::quitRequested, this, &BriskletApp::quit);
+  // Without a window manager nobody else passes the keyboard on.
+  connect(window, &QObject::destroyed, this, [] {
+    const QWidgetList others = QApplication::topLevelWidgets();
+    for (QWidget* other : others) {
+      if (!qobject_cast<StudioWindow*>(other) || !other->isVisible()) continue;
+      if (!QApplication::activeWindow()) other->activateWindow();
+      break;
+    }
+  });
 
   const QWidget* former = QApplication::activeWindow();
   const QRect room = (former ? former->screen() : window->screen())->availableGeometry();

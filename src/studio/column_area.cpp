@@ -35,9 +35,17 @@ ColumnArea::ColumnArea(QWidget* content, QWidget* parent) : QScrollArea(parent) 
   glide_.setEasingCurve(QEasingCurve::OutCubic);
   connect(&glide_, &QVariantAnimation::valueChanged, this,
           [this](const QVariant& value) { verticalScrollBar()->setValue(value.toInt()); });
+  connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, [this] {
+    if (awaited_) reveal(QRect(*awaited_));
+  });
 }
 
 void ColumnArea::reveal(const QRect& part) {
+  awaited_.reset();
+  if (part.bottom() >= widget()->height()) {
+    awaited_ = part;
+    return;
+  }
   const int value = verticalScrollBar()->value();
   const int first = part.bottom() + 1 + revealMargin - viewport()->height();
   const int last = part.top() - revealMargin;

@@ -2,6 +2,7 @@
 
 #include <QScrollArea>
 #include <QVariantAnimation>
+#include <optional>
 
 namespace brisklet {
 
@@ -17,7 +18,7 @@ class ColumnArea : public QScrollArea {
   /// Takes the content over.
   explicit ColumnArea(QWidget* content, QWidget* parent = nullptr);
 
-  /// Scrolls as little as needed to show a part of the content.
+  /// Scrolls as little as needed to show a part of the content, once the content is large enough to have it.
   void reveal(const QRect& part);
 
  protected:
@@ -29,6 +30,7 @@ class ColumnArea : public QScrollArea {
 
   SlimScrollBar* bar_;
   QVariantAnimation glide_;
+  std::optional<QRect> awaited_;
 };
 
 }  // namespace brisklet

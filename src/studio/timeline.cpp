@@ -1,6 +1,5 @@
 #include "studio/timeline.h"
 
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include "studio/inspector_block.h"
@@ -47,8 +46,7 @@ void Timeline::setState(const QString& summary, const QList<Ping>& pings,
   list_->setPings(pings, selectedId);
   emptyText_->setVisible(pings.isEmpty());
   list_->setVisible(!pings.isEmpty());
-  // A new row is to be seen, once there is room for it.
-  if (hasGrown) QTimer::singleShot(0, this, &Timeline::revealLastRow);
+  if (hasGrown) revealLastRow();
 }
 
 void Timeline::revealLastRow() {

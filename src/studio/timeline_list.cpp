@@ -35,12 +35,18 @@ TimelineList::TimelineList(QWidget* parent)
 }
 
 void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QString>& selectedId) {
-  // Heights are known for the rows that are there; most changes leave the others in their places.
+  // Heights are known for the rows that are there. Most changes leave those before them in their places.
   QHash<QString, qsizetype> formerRows;
-  const auto formerRow = [&](qsizetype i, const QString& id) {
-    if (i < rows_.size() && rows_[i].ping.id == id) return i;
+  qsizetype inPlace = 0;
+  const auto formerRow = [&](qsizetype i, const QString& id) -> qsizetype {
+    if (i < rows_.size() && rows_[i].ping.id == id) {
+      inPlace += inPlace == i;
+      return i;
+    }
+    if (inPlace == rows_.size()) return -1;
     if (formerRows.isEmpty()) {
-      for (qsizetype each = 0; each < rows_.size(); ++each) formerRows.insert(rows_[each].ping.id, each);
+      for (qsizetype each = inPlace; each < rows_.size(); ++each)
+        formerRows.insert(rows_[each].ping.id, each);
     }
     return formerRows.value(id, -1);
   };

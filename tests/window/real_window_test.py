@@ -1,0 +1,190 @@
+#!/usr/bin/env python3
+"""Works the real program in a real window, from the first ping to the finished movie.
+
+real_window_test.py PROGRAM
+"""
+
+import json
+import os
+import shutil
+import subprocess
+import sys
+import time
+
+from studio_session import NEEDED_TOOLS, StudioSession
+
+SKIPPED = 77
+
+INK, LINE, PAPER = (0x11, 0x11, 0x12), (0xe7, 0xe7, 0xe9), (0xf6, 0xf6, 0xf7)
+
+# Centres of controls in a window of 1320 x 860.
+EXPORT, PLAY, CLOSE = (1150, 26), (1068, 26), (1290, 26)
+TITLE = (120, 26)
+PHOTO_CHIP = (248, 118)
+INSTAGRAM, CASH_APP = (79, 219), (209, 219)
+STAGE = (288, 53, 744, 807)
+FIRST_ROW, REMOVE_FIRST = (1150, 130), (1275, 115)
+
+
+def add_ping(type_rows):
+    """The button below as many rows of message templates."""
+    return 144, 412 + 43 + 130 + 17 + (type_rows - 3) * 34
+
+
+def expect(condition, what):
+    if not condition:
+        raise AssertionError("Did not hold: " + what)
+
+
+def is_near(color, other):
+    return all(abs(a - b) <= 12 for a, b in zip(color, other))
+
+
+def movie_streams(path):
+    """What is in a movie; nothing while it is unfinished."""
+    probe = subprocess.run(
+        ["ffprobe", "-v", "quiet", "-count_frames", "-show_streams", "-of", "json", path],
+        stdout=subprocess.PIPE, check=False)
+    if probe.returncode != 0:
+        return None
+    return {stream["codec_type"]: stream for stream in json.loads(probe.stdout)["streams"]}
+
+
+def movie_frame(path, number):
+    """The frame as (width, rgb bytes), and its colour at a point of the 390 x 844 canvas."""
+    data = subprocess.run(
+        ["ffmpeg", "-v", "error", "-i", path, "-vf", "select=eq(n\\,%d),scale=390:844" % number, "-frames:v", "1",
+         "-f", "rawvideo", "-pix_fmt", "rgb24", "-"], stdout=subprocess.PIPE, check=True).stdout
+    return lambda x, y: tuple(data[3 * (y * 390 + x):3 * (y * 390 + x) + 3])
+
+
+def resting_stage(studio):
+    """The stage once nothing moves on it any more."""
+    former = None
+    while True:
+        now = studio.seen().part(*STAGE)
+        if now == former:
+            return now
+        former = now
+        time.sleep(0.15)
+
+
+def make_a_movie(program, window_manager):
+    with StudioSession(program, window_manager=window_manager) as studio:
+        expect(studio.geometry()[2:] == (1320, 860), "The window opens at its size.")
+        seen = studio.seen()
+        expect(is_near(seen.pixel(144, 840), PAPER), "The column is paper.")
+        expect(seen.pixel(700, 52) == LINE, "The rule is under the top bar.")
+        empty = resting_stage(studio)
+
+        # Pings of three apps, the last one of another template.
+        studio.click(*add_ping(3))
+        studio.click(*INSTAGRAM)
+        studio.click(*add_ping(4))
+        studio.click(*CASH_APP)
+        studio.click(18 + 123 + 6 + 60, 312)
+        studio.click(*add_ping(1))
+        three = resting_stage(studio)
+        expect(three != empty, "Cards arrive on the stage.")
+        expect(studio.seen().pixel(1150, 12) == INK, "Export is ready.")
+
+        # The first one lands later; a fourth is added and removed.
+        studio.click(*FIRST_ROW)
+        expect(studio.seen().pixel(1050, 130) == INK, "The row is selected.")
+        studio.click(144, 412 + 43 + 130 + 21 + 17, times=3)
+        studio.key("ctrl+a")
+        studio.type("1,25")
+        studio.key("Escape")
+        expect(is_near(studio.seen().pixel(1050, 130), LINE), "Escape clears the selection.")
+
+        # A photo from the disk.
+        photo = os.path.join(studio.home, "red.png")
+        subprocess.run(["convert", "-size", "600x900", "xc:#c02020", photo], check=True)
+        studio.click(*PHOTO_CHIP)
+        studio.find_window("Choose a lock screen photo")
+        time.sleep(0.5)
+        studio.type(photo)
+        studio.key("Return")
+        studio.wait(lambda: is_near(studio.seen().pixel(*PHOTO_CHIP), (0xc0, 0x20, 0x20)), "The chip shows the photo.")
+        stored = os.path.join(studio.home, ".local/share/Brisklet")
+        expect(len(os.listdir(stored)) == 1, "A copy of the photo is stored.")
+
+        studio.click(*TITLE, times=3)
+        studio.type("Launch Day")
+        studio.key("Return")
+
+        finished = resting_stage(studio)
+        studio.click(*PLAY)
+        time.sleep(0.2)
+        expect(studio.seen().part(*STAGE) != finished, "Playing begins without cards.")
+        studio.wait(lambda: studio.seen().part(*STAGE) == finished, "It ends with the finished stack.")
+        time.sleep(1.5)
+
+        movie = os.path.join(studio.home, "movie.mp4")
+        studio.click(*EXPORT)
+        studio.find_window("Export notification video")
+        time.sleep(0.5)
+        studio.key("ctrl+a")
+        studio.type(movie[:-len(".mp4")])
+        studio.key("Return")
+        studio.wait(lambda: os.path.exists(movie), "The movie's name is completed.")
+        studio.move(700, 26)
+        streams = studio.wait(lambda: movie_streams(movie), "The movie is finished.", seconds=120)
+        studio.wait(lambda: studio.seen().pixel(1150, 12) == INK, "Export is ready again.")
+        video = streams["video"]
+        expect((video["width"], video["height"]) == (1170, 2532), "The movie's size.")
+        # The last ping lands at 2.1 s, and 1.8 s follow.
+        expect(video["nb_read_frames"] == "117", "The movie's length, not %s frames." % video["nb_read_frames"])
+        expect(streams["audio"]["sample_rate"] == "44100", "The movie's sound.")
+        # 1.25 s is in frame 37.5: only the later frame has a card where the newest one stands.
+        glyph_of_first_card = (18 + 14 + 6, 0)
+        before, after = movie_frame(movie, 37), movie_frame(movie, 38)
+        rows = range(220, 420)
+        expect(all(is_near(before(glyph_of_first_card[0], y), (0xc0, 0x20, 0x20)) for y in rows),
+               "Nothing has landed before the edited time.")
+        expect(any(not is_near(after(glyph_of_first_card[0], y), (0xc0, 0x20, 0x20)) for y in rows),
+               "The first ping lands at the edited time.")
+
+        studio.click(*REMOVE_FIRST)
+        expect(resting_stage(studio) != finished, "A removed ping leaves the stage.")
+
+        # The window itself: moved by its bar, zoomed by a double click, resized at its edge.
+        x, y, width, height = studio.geometry()
+        studio.drag(600, 26, 40, 30)
+        studio.wait(lambda: studio.geometry()[:2] != (x, y), "The top bar moves the window.")
+        time.sleep(0.5)
+        studio.drag(1318, 400, -60, 0)
+        studio.wait(lambda: studio.geometry()[2] < width, "The edge resizes the window.")
+        expect(studio.geometry()[3] == height, "Only the width changes.")
+        time.sleep(0.5)
+        studio.click(600, 26, times=2)
+        studio.wait(lambda: studio.geometry()[2:] == studio.size, "A double click zooms the window.")
+        studio.click(600, 26, times=2)
+        studio.wait(lambda: studio.geometry()[2] < width, "Another one restores it.")
+
+        studio.key("ctrl+n")
+        studio.wait(lambda: len(studio.output("xdotool", "search", "--onlyvisible", "--name", "Brisklet").split()) == 2,
+                    "Another window opens.")
+        time.sleep(0.5)
+        studio.key("ctrl+w")
+        studio.wait(lambda: len(studio.output("xdotool", "search", "--onlyvisible", "--name", "Brisklet").split()) == 1,
+                    "It closes by itself.")
+        time.sleep(0.5)
+        studio.key("ctrl+q")
+        expect(studio.studio.wait(20) == 0, "The program ends well.")
+
+
+def main():
+    missing = [tool for tool in NEEDED_TOOLS + ("openbox", "xprop", "ffmpeg", "ffprobe") if not shutil.which(tool)]
+    if missing:
+        print("Skipped: a real window needs " + ", ".join(missing) + " (scripts/setup test installs them).")
+        return SKIPPED
+    for window_manager in ("openbox", None):
+        print("With a window manager:" if window_manager else "Without one:", flush=True)
+        make_a_movie(os.path.abspath(sys.argv[1]), window_manager)
+        print("  all as expected", flush=True)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

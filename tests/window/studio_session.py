@@ -1,0 +1,166 @@
+"""The studio on a display of its own, worked with pointer and keys as a person would."""
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+NEEDED_TOOLS = ("Xvfb", "xdotool", "import", "convert")
+
+
+class Screen:
+    """What is seen at one moment: 8-bit RGB."""
+
+    def __init__(self, width, height, data):
+        self.width, self.height, self.data = width, height, data
+
+    def pixel(self, x, y):
+        at = 3 * (y * self.width + x)
+        return tuple(self.data[at:at + 3])
+
+    def part(self, x, y, width, height):
+        rows = range(y, y + height)
+        return b"".join(self.data[3 * (row * self.width + x):3 * (row * self.width + x + width)] for row in rows)
+
+
+class StudioSession:
+    """Starts the program in an empty home, without a session bus and a sound server.
+
+    Coordinates are points of the studio's window.
+    """
+
+    def __init__(self, program, size=(1400, 950), scale=1, window_manager="openbox"):
+        self.program, self.size, self.scale, self.window_manager = program, size, scale, window_manager
+        self.processes = []
+
+    def __enter__(self):
+        self.home = tempfile.mkdtemp(prefix="brisklet-window-")
+        runtime = os.path.join(self.home, "runtime")
+        os.mkdir(runtime, 0o700)
+        self.environment = {
+            key: value for key, value in os.environ.items()
+            if key not in ("DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY") and not key.startswith(("QT_", "XDG_"))
+        }
+        self.environment.update(
+            HOME=self.home, XDG_RUNTIME_DIR=runtime, QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR=str(self.scale),
+            PULSE_SERVER="unix:" + os.path.join(runtime, "none"))
+        try:
+            self.start_display()
+            if self.window_manager:
+                self.start([self.window_manager, "--sm-disable"], stderr=subprocess.DEVNULL)
+                self.wait(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in self.output(
+                    "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "The window manager starts.")
+            self.studio = self.start([self.program])
+            self.window = self.find_window("Brisklet")
+            self.wait(lambda: len(set(self.screen().data[::997])) > 8, "The window is painted.")
+        except BaseException as failure:
+            self.__exit__(failure)
+            raise
+        return self
+
+    def __exit__(self, *failure):
+        if any(failure):
+            self.save_failure()
+        for process in reversed(self.processes):
+            if process.poll() is None:
+                process.send_signal(signal.SIGTERM)
+        for process in reversed(self.processes):
+            try:
+                process.wait(10)
+            except subprocess.TimeoutExpired:
+                process.kill()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+    def start(self, command, **options):
+        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, **options)
+        self.processes.append(process)
+        return process
+
+    def start_display(self):
+        read, write = os.pipe()
+        self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", "%dx%dx24" % self.size, "-noreset",
+                    "-nolisten", "tcp"],
+                   pass_fds=(write,), stderr=subprocess.DEVNULL)
+        os.close(write)
+        with os.fdopen(read) as number:
+            self.environment["DISPLAY"] = ":" + number.readline().strip()
+
+    def output(self, *command):
+        return subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, text=True, check=False).stdout
+
+    def wait(self, condition, what, seconds=20):
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            result = condition()
+            if result:
+                return result
+            time.sleep(0.05)
+        raise AssertionError("Did not happen: " + what)
+
+    def find_window(self, name):
+        """The newest visible window whose title holds a name."""
+        def search():
+            found = self.output("xdotool", "search", "--onlyvisible", "--name", name).split()
+            return found and found[-1]
+        return self.wait(search, "A window with the title %r." % name)
+
+    def has_window(self, name):
+        return bool(self.output("xdotool", "search", "--onlyvisible", "--name", name).split())
+
+    def geometry(self):
+        lines = self.output("xdotool", "getwindowgeometry", "--shell", self.window).splitlines()
+        values = dict(line.split("=") for line in lines)
+        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def xdotool(self, *arguments):
+        subprocess.run(("xdotool",) + tuple(str(each) for each in arguments), env=self.environment, check=True,
+                       stdout=subprocess.DEVNULL)
+
+    def move(self, x, y):
+        self.xdotool("mousemove", "--window", self.window, round(x * self.scale), round(y * self.scale))
+
+    def click(self, x, y, times=1):
+        self.move(x, y)
+        self.xdotool("click", "--repeat", times, "--delay", 60, 1)
+        time.sleep(0.15)
+
+    def drag(self, x, y, by_x, by_y):
+        self.move(x, y)
+        self.xdotool("mousedown", 1)
+        for _ in range(10):
+            self.xdotool("mousemove_relative", "--", by_x // 10, by_y // 10)
+            time.sleep(0.03)
+        self.xdotool("mouseup", 1)
+
+    def key(self, *names):
+        self.xdotool("key", "--delay", 40, *names)
+        time.sleep(0.1)
+
+    def type(self, text):
+        self.xdotool("type", "--delay", 25, text)
+        time.sleep(0.1)
+
+    def screen(self):
+        width, height = self.size
+        data = subprocess.run(["import", "-silent", "-window", "root", "-depth", "8", "rgb:-"],
+                              env=self.environment, stdout=subprocess.PIPE, check=True).stdout
+        return Screen(width, height, data)
+
+    def seen(self):
+        """The studio's window, in pixels."""
+        x, y, width, height = self.geometry()
+        return Screen(width, height, self.screen().part(x, y, width, height))
+
+    def save_failure(self):
+        path = os.path.join(os.getcwd(), "real_window_failure.png")
+        if subprocess.run(["import", "-silent", "-window", "root", path], env=self.environment, check=False,
+                          stderr=subprocess.DEVNULL).returncode == 0:
+            print("The screen then: " + path)
+
+    def save(self, path):
+        x, y, width, height = self.geometry()
+        subprocess.run(["import", "-silent", "-window", "root", "-crop", "%dx%d+%d+%d" % (width, height, x, y),
+                        "+repage", path], env=self.environment, check=True)
