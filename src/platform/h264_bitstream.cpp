@@ -91,8 +91,11 @@ std::optional<SequenceParameters> readSequenceParameters(std::span<const uint8_t
   if (reader.flag()) return std::nullopt;            // scaling matrices, which x264 puts elsewhere
 
   SequenceParameters sequence;
-  sequence.log2MaxFrameNum = static_cast<int>(reader.expGolomb()) + 4;
-  sequence.pictureOrderCountType = static_cast<int>(reader.expGolomb());
+  const uint32_t log2MaxFrameNumMinus4 = reader.expGolomb();
+  const uint32_t pictureOrderCountType = reader.expGolomb();
+  if (log2MaxFrameNumMinus4 > 12 || pictureOrderCountType > 2) return std::nullopt;
+  sequence.log2MaxFrameNum = static_cast<int>(log2MaxFrameNumMinus4) + 4;
+  sequence.pictureOrderCountType = static_cast<int>(pictureOrderCountType);
   if (sequence.pictureOrderCountType == 0) reader.expGolomb();  // log2_max_pic_order_cnt_lsb_minus4
   if (sequence.pictureOrderCountType == 1) return std::nullopt;
   reader.expGolomb();  // max_num_ref_frames
@@ -100,7 +103,7 @@ std::optional<SequenceParameters> readSequenceParameters(std::span<const uint8_t
   reader.expGolomb();  // pic_width_in_mbs_minus1
   reader.expGolomb();  // pic_height_in_map_units_minus1
   sequence.framesOnly = reader.flag();
-  if (reader.isPastEnd() || sequence.log2MaxFrameNum > 16) return std::nullopt;
+  if (reader.isPastEnd()) return std::nullopt;
   return sequence;
 }
 
@@ -115,6 +118,7 @@ std::optional<std::vector<uint8_t>> withFrameNum(std::span<const uint8_t> nalUni
   reader.expGolomb();                            // pic_parameter_set_id
   const size_t position = reader.position();
   reader.bits(sequence.log2MaxFrameNum);
+  reader.bits(8);  // a slice has more behind its header
   if (type != 0 || reader.isPastEnd()) return std::nullopt;
   replaceBits(payload, position, sequence.log2MaxFrameNum, frameNum);
   return nalUnitOf(payload);
