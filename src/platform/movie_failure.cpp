@@ -44,6 +44,8 @@ std::string plainCause(int errorNumber) {
       return "the device reported an error";
     case ENOMEM:
       return "not enough memory";
+    case EAGAIN:
+      return "the system allows no more threads";
     default:
       return {};
   }

@@ -15,6 +15,7 @@
 #include <new>
 #include <optional>
 #include <span>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -56,20 +57,25 @@ class MovieFile {
 
   [[nodiscard]] int fd() const { return fd_.get(); }
 
-  /// Some file systems report only now that they could not keep what was written.
+  /// Nothing is complete that nobody can find. Some file systems report only now that they could not keep
+  /// what was written.
   void close() {
+    if (!isInPlace()) throw MovieFailure("it was taken away, or its folder was, while it was written");
     if (::close(fd_.release()) != 0 && errno != EINTR) throw MovieFailure(systemCause(errno));
   }
 
-  /// The path may have come to mean another file meanwhile; that one stays.
   void remove() {
-    struct stat named = {};
-    if (::lstat(path_.constData(), &named) == 0 && S_ISREG(named.st_mode) && named.st_dev == made_.st_dev &&
-        named.st_ino == made_.st_ino)
-      ::unlink(path_.constData());
+    if (isInPlace()) ::unlink(path_.constData());
   }
 
  private:
+  /// The path may have come to mean another file meanwhile, or none.
+  [[nodiscard]] bool isInPlace() const {
+    struct stat named = {};
+    return ::lstat(path_.constData(), &named) == 0 && S_ISREG(named.st_mode) &&
+           named.st_dev == made_.st_dev && named.st_ino == made_.st_ino;
+  }
+
   QByteArray path_;
   UniqueFd fd_;
   struct stat made_ = {};
@@ -163,12 +169,11 @@ class FileMovieWriter final : public MovieWriter {
       beginMp4(file_.fd());  // a full disk shows before the first picture
       openEncoders();
       setStatus(Status::Writing);
+      conversionThread_ = std::jthread([this] { guarded([this] { convertPictures(); }); });
+      videoThread_ = std::jthread([this] { guarded([this] { encodePictures(); }); });
+      audioThread_ = std::jthread([this] { guarded([this] { encodeSounds(); }); });
     });
-    if (status() != Status::Writing) return false;
-    conversionThread_ = std::jthread([this] { guarded([this] { convertPictures(); }); });
-    videoThread_ = std::jthread([this] { guarded([this] { encodePictures(); }); });
-    audioThread_ = std::jthread([this] { guarded([this] { encodeSounds(); }); });
-    return true;
+    return status() == Status::Writing;
   }
 
   [[nodiscard]] bool isReadyForMoreVideo() const override { return pictures_.hasRoom(); }
@@ -210,13 +215,19 @@ class FileMovieWriter final : public MovieWriter {
     Q_ASSERT(!finishingThread_.joinable());
     markVideoFinished();
     markAudioFinished();
-    finishingThread_ = std::jthread([this, completion = std::move(completion)] {
-      for (std::jthread* thread : {&conversionThread_, &videoThread_, &audioThread_})
-        if (thread->joinable()) thread->join();
-      if (isDropped_) return;
-      if (status() == Status::Writing) guarded([this] { writeMovie(); });
+    const auto complete = [this, completion = std::move(completion)] {
       QMetaObject::invokeMethod(&completionContext_, completion, Qt::QueuedConnection);
+    };
+    guarded([this, &complete] {
+      finishingThread_ = std::jthread([this, complete] {
+        for (std::jthread* thread : {&conversionThread_, &videoThread_, &audioThread_})
+          if (thread->joinable()) thread->join();
+        if (isDropped_) return;
+        if (status() == Status::Writing) guarded([this] { writeMovie(); });
+        complete();
+      });
     });
+    if (!finishingThread_.joinable()) complete();
   }
 
   [[nodiscard]] Status status() const override {
@@ -311,6 +322,8 @@ class FileMovieWriter final : public MovieWriter {
       step();
     } catch (const std::bad_alloc&) {
       fail("not enough memory");
+    } catch (const std::system_error& failure) {
+      fail(systemCause(failure.code().value()).c_str());
     } catch (const std::exception& failure) {
       fail(failure.what());
     }

@@ -336,6 +336,35 @@ TEST_F(MovieWriterTest, aFullDiskEndsInOneSentenceAndNoFile) {
   }
 }
 
+TEST_F(MovieWriterTest, aMovieThatWasTakenAwayMeanwhileIsNotComplete) {
+  const auto begun = [this] {
+    auto writer = makeMovieWriter(path);
+    writer->addVideo(smallVideo);
+    EXPECT_TRUE(writer->startWriting());
+    EXPECT_TRUE(writer->appendFrame(numbered(0), 0));
+    return writer;
+  };
+  const auto endsAsLost = [this](MovieWriter& writer) {
+    finish(writer);
+    EXPECT_EQ(writer.status(), MovieWriter::Status::Failed);
+    EXPECT_TRUE(writer.errorText().contains("was taken away")) << writer.errorText().toStdString();
+  };
+  auto writer = begun();
+  ASSERT_TRUE(QFile::remove(path));
+  endsAsLost(*writer);
+
+  writer = begun();
+  ASSERT_TRUE(QFile::rename(path, path + ".kept"));
+  QFile other(path);
+  ASSERT_TRUE(other.open(QIODevice::WriteOnly));
+  endsAsLost(*writer);
+  EXPECT_TRUE(other.remove()) << "another file in its place stays";
+
+  writer = begun();
+  ASSERT_TRUE(QDir(folder.path()).removeRecursively());
+  endsAsLost(*writer);
+}
+
 TEST_F(MovieWriterTest, aWriterThatFailedRefusesAtOnceAndTakesAwayOnlyItsOwnFile) {
   const auto writer = makeMovieWriter(path);
   writer->addVideo(smallVideo);
