@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QDir>
@@ -5,6 +6,7 @@
 #include <QGuiApplication>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 
 #include "base/wait_for_task.h"
@@ -20,6 +22,14 @@ namespace {
 
 enum ExitStatus { Done = 0, Failed = 1, WrongUse = 2, Interrupted = 130 };
 
+/// One line whatever a file name or a scene may hold.
+QString asLine(QString text) {
+  for (QChar& unit : text) {
+    if (unit.category() == QChar::Other_Control) unit = u' ';
+  }
+  return text;
+}
+
 /// What the program says on standard error: messages, and on a terminal a line of progress.
 class Console {
  public:
@@ -27,19 +37,14 @@ class Console {
 
   void message(const QString& text) {
     clearProgress();
-    QString line = text;
-    // A message is one line whatever a file name or a scene may hold.
-    for (QChar& unit : line) {
-      if (unit.category() == QChar::Other_Control) unit = u' ';
-    }
-    write(u"brisklet-render: "_s + line + u'\n');
+    write(u"brisklet-render: "_s + asLine(text) + u'\n');
   }
 
   void progress(const QString& name, qint64 framesDone, qint64 frames) {
     const int percent = static_cast<int>(framesDone * 100 / frames);
     if (!showsProgress_ || percent == percent_) return;
     percent_ = percent;
-    write(u"\r\033[K%1  %2 %"_s.arg(name).arg(percent, 3));
+    write(u"\r\033[K%1  %2 %"_s.arg(asLine(name)).arg(percent, 3));
   }
 
   void clearProgress() {
@@ -73,30 +78,59 @@ ExitStatus run(const RenderJob& job, Console& console, const std::stop_source& s
     console.message(error.text());
   } catch (const std::bad_alloc&) {
     console.message(u"%1: there is not enough memory"_s.arg(job.scene));
+  } catch (const std::exception& error) {
+    console.message(u"%1: %2"_s.arg(job.scene, QString::fromLocal8Bit(error.what())));
   }
   return Failed;
+}
+
+/// Who closes standard input, output or error would have the movie's file take its number, and messages
+/// written into it.
+void openStandardStreams() {
+  while (true) {
+    const int fd = open("/dev/null", O_RDWR);
+    if (fd > STDERR_FILENO) close(fd);
+    if (fd < 0 || fd > STDERR_FILENO) return;
+  }
+}
+
+/// What a library says before it gives up (no descriptor is left, no thread) becomes the one line; its
+/// remarks about the machine (no runtime directory, an odd locale) mean nothing to who asked for a movie.
+void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+  if (type != QtFatalMsg) return;
+  Console(false).message(text);
+  std::_Exit(Failed);
+}
+
+/// Throws `UsageError` for a name that is not UTF-8: it would come to mean another file.
+QStringList argumentsOf(int argc, char** argv) {
+  QStringList arguments;
+  for (int i = 1; i < argc; ++i) {
+    arguments.append(QFile::decodeName(argv[i]));
+    if (QFile::encodeName(arguments.last()) != argv[i])
+      throw UsageError(u"the name \"%1\" is not valid UTF-8"_s.arg(arguments.last()));
+  }
+  return arguments;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  // It draws into images only, and needs no display.
+  openStandardStreams();
+  // It draws into images only, and needs neither a display nor the desktop's event loop.
   qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("QT_NO_GLIB", "1");
   // A file that meets a size limit, and a reader that went away, are errors of the write and not the end.
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);
-  // Qt's remarks about the machine (no runtime directory, an odd locale) mean nothing to who asked for a
-  // movie.
-  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  qInstallMessageHandler(handleQtMessage);
   // Qt would take options such as -style for its own, so it sees none.
   int qtArgc = 1;
   QGuiApplication application(qtArgc, argv);
 
   RenderOptions options;
   try {
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i) arguments.append(QFile::decodeName(argv[i]));
-    options = parseRenderOptions(arguments);
+    options = parseRenderOptions(argumentsOf(argc, argv));
   } catch (const UsageError& error) {
     Console(false).message(error.text() + u" (--help shows the usage)"_s);
     return WrongUse;
