@@ -109,7 +109,8 @@ void put(QAbstractButton* button, State state) {
   if (state == State::Selected || state == State::SelectedFocused) {
     if (auto* chip = qobject_cast<Chip*>(button)) chip->setSelected(true);
   }
-  if (state == State::Hovered || state == State::Pressed) button->setAttribute(Qt::WA_UnderMouse);
+  // Where a pointer happens to be does not matter.
+  button->setAttribute(Qt::WA_UnderMouse, state == State::Hovered || state == State::Pressed);
   if (state == State::Pressed) button->setDown(true);
   if (state == State::Focused || state == State::SelectedFocused) button->setFocus(Qt::TabFocusReason);
   if (state == State::Disabled) button->setEnabled(false);
@@ -143,6 +144,7 @@ void addFields(Sheet& sheet) {
     auto* field = new StudioField(u"Sender"_s);
     Host host(field, {252, field->sizeHint().height()}, Studio::paper);
     field->setText(c.text);
+    for (QWidget* part : field->findChildren<QWidget*>()) part->setAttribute(Qt::WA_UnderMouse, false);
     if (c.focused) field->edit()->setFocus(Qt::TabFocusReason);
     if (c.selectsAll) field->edit()->selectAll();
     sheet.add(host.picture(2), c.caption);
