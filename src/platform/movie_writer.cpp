@@ -25,6 +25,7 @@
 #include "platform/held_picture_encoder.h"
 #include "platform/movie_failure.h"
 #include "platform/mp4_file.h"
+#include "platform/picture_memory.h"
 #include "platform/sample_spool.h"
 #include "platform/unique_fd.h"
 #include "platform/yuv_picture.h"
@@ -263,7 +264,7 @@ class FileMovieWriter final : public MovieWriter {
     while (std::optional<Run<QImage>> run = pictures_.take()) {
       Converted converted;
       if (!run->picture.isNull()) {
-        const QImage rgb = std::move(run->picture).convertToFormat(QImage::Format_RGB32);
+        const QImage rgb = whole(std::move(run->picture).convertToFormat(QImage::Format_RGB32));
         auto picture = std::make_shared<YuvPicture>(rgb.width(), rgb.height());
         picture->setFromRgb(reinterpret_cast<const uint32_t*>(rgb.constBits()), rgb.bytesPerLine() / 4);
         if (previous) converted.unchanged = equalMacroblocks(*previous, *picture);
@@ -287,7 +288,10 @@ class FileMovieWriter final : public MovieWriter {
   void encodeSounds() {
     std::vector<int16_t> samples;
     while (const std::optional<Sound> sound = sounds_.take()) {
-      audioEncoder_->appendSilence(sound->silentFrames);
+      if (sound->silentFrames > 0) {
+        audioEncoder_->appendSilence(sound->silentFrames);
+        continue;
+      }
       samples.resize(static_cast<size_t>(sound->pcm.size() / bytesPerSample));
       qFromLittleEndian<int16_t>(sound->pcm.constData(), static_cast<qsizetype>(samples.size()),
                                  samples.data());
