@@ -70,7 +70,7 @@ void AacEncoder::appendSilence(int64_t samplesPerChannel) {
     if (isWhole && silentFrames_ >= settledFrames && lastTwoAreEqual_) {
       samplesIn_ += packetSamples();
       samplesPerChannel -= packetSamples();
-      emit(lastPacket_);
+      handOn(lastPacket_);
       continue;
     }
     const int64_t room = packetSamples() - static_cast<int64_t>(pending_.size() / channels);
@@ -112,12 +112,12 @@ void AacEncoder::encode(const AVFrame* frame) {
     const std::span<const uint8_t> packet(packet_->data, static_cast<size_t>(packet_->size));
     lastTwoAreEqual_ = std::equal(packet.begin(), packet.end(), lastPacket_.begin(), lastPacket_.end());
     lastPacket_.assign(packet.begin(), packet.end());
-    emit(packet);
+    handOn(packet);
     av_packet_unref(packet_.get());
   }
 }
 
-void AacEncoder::emit(std::span<const uint8_t> packet) {
+void AacEncoder::handOn(std::span<const uint8_t> packet) {
   // The codec's own times do not know of the packets that were handed out again.
   const int64_t time = samplesOut_ - priming();
   samplesOut_ += packetSamples();

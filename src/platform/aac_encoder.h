@@ -43,7 +43,7 @@ class AacEncoder {
   void encodePending();
   void encode(const AVFrame* frame);
   /// Hands on a packet that holds the next `packetSamples()` samples.
-  void emit(std::span<const uint8_t> packet);
+  void handOn(std::span<const uint8_t> packet);
 
   CodecContextPtr context_;
   FramePtr frame_;
