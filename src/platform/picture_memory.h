@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QImage>
+#include <new>
+#include <utility>
+
+namespace brisklet {
+
+// A QImage whose memory cannot be had becomes null, and what is painted on it is lost without a word.
+// Pictures that must be complete are made, copied and written through these, which throw `std::bad_alloc`
+// instead.
+
+/// The image that a conversion of another one gave.
+[[nodiscard]] inline QImage whole(QImage image) {
+  if (image.isNull()) throw std::bad_alloc();
+  return image;
+}
+
+/// Not initialised.
+[[nodiscard]] inline QImage newPicture(const QSize& size, QImage::Format format) {
+  QImage image(size, format);
+  return size.isEmpty() ? image : whole(std::move(image));
+}
+
+/// Gives an image memory of its own, for a painter or for rows to be written.
+inline void makeWritable(QImage& image) {
+  image.detach();
+  if (image.isNull()) throw std::bad_alloc();
+}
+
+}  // namespace brisklet
