@@ -1,17 +1,18 @@
 #include "lockscreen/app_glyph.h"
 
-#include <QColor>
-#include <algorithm>
-#include <cmath>
-#include <optional>
-
 #include "lockscreen/bundle_image.h"
 #include "lockscreen/wallpaper.h"
 #include "model/color.h"
 #include "model/text.h"
 #include "platform/continuous_corners.h"
+#include "platform/picture_memory.h"
 #include "platform/symbol_image.h"
 #include "platform/text_line.h"
+
+#include <QColor>
+#include <algorithm>
+#include <cmath>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -33,7 +34,7 @@ QRectF inkBox(const TextLine& line) {
   constexpr double scale = 4;
   const double aside = line.height();
   const QSizeF room(line.width() + 2 * aside, 3 * line.height());
-  QImage image((room * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+  QImage image = newPicture((room * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   const QPointF baseline(aside, line.height() + line.ascent());
   {
@@ -100,7 +101,7 @@ bool looksAlike(const AppGlyph& a, const AppGlyph& b) {
 
 QImage AppGlyph::image(double pixelsPerPoint) const {
   const int pixels = std::max(1, qRound(size * pixelsPerPoint));
-  QImage tile(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+  QImage tile = newPicture({pixels, pixels}, QImage::Format_ARGB32_Premultiplied);
   tile.fill(Qt::transparent);
   QPainter painter(&tile);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
@@ -119,7 +120,7 @@ QImage AppGlyph::image(double pixelsPerPoint) const {
   }
 
   // A clip's edge would be jagged: the corners are cut by covering a mask instead.
-  QImage mask(tile.size(), QImage::Format_ARGB32_Premultiplied);
+  QImage mask = newPicture(tile.size(), QImage::Format_ARGB32_Premultiplied);
   mask.fill(Qt::transparent);
   {
     QPainter maskPainter(&mask);

@@ -9,6 +9,7 @@
 
 #include "lockscreen/float_plane.h"
 #include "platform/continuous_corners.h"
+#include "platform/picture_memory.h"
 
 namespace brisklet {
 namespace {
@@ -272,8 +273,8 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
   const QSize pixels = wallpaper.size();
   const QSize cells(std::max(1, qRound(pixels.width() / (gridStep * pixelsPerPoint))),
                     std::max(1, qRound(pixels.height() / (gridStep * pixelsPerPoint))));
-  const QImage small = wallpaper.scaled(cells, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                           .convertToFormat(QImage::Format_RGB32);
+  const QImage small = whole(wallpaper.scaled(cells, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                                 .convertToFormat(QImage::Format_RGB32));
 
   // Red, green, blue and gleam.
   std::array<FloatPlane, 4> planes;
@@ -296,7 +297,7 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
     planes[2].samples[i] = color.blue;
   }
 
-  QImage backdrop(pixels, QImage::Format_RGB32);
+  QImage backdrop = newPicture(pixels, QImage::Format_RGB32);
   const double cellsPerPixelX = double(cells.width()) / pixels.width();
   const double cellsPerPixelY = double(cells.height()) / pixels.height();
   const PlaneEnlarger enlarger(cells.width(), pixels.width(), cellsPerPixelX);

@@ -8,6 +8,7 @@
 #include "lockscreen/float_plane.h"
 #include "lockscreen/notification_card.h"
 #include "platform/continuous_corners.h"
+#include "platform/picture_memory.h"
 #include "platform/symbol_image.h"
 
 namespace brisklet {
@@ -52,14 +53,14 @@ void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place
   if (rows <= 0) return;
 
   constexpr int finer = 4;
-  QImage text(columns * finer, rows * finer, QImage::Format_ARGB32_Premultiplied);
+  QImage text = newPicture({columns * finer, rows * finer}, QImage::Format_ARGB32_Premultiplied);
   text.fill(Qt::transparent);
   {
     QPainter painter(&text);
     prepare(painter, finer);
     time.draw(painter, {Metrics::canvasWidth / 2, place.top() - top}, white(Metrics::timeOpacity));
   }
-  const QImage coarse = text.scaled(columns, rows, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  const QImage coarse = whole(text.scaled(columns, rows, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 
   FloatPlane glowing(columns, rows);
   for (int y = 0; y < rows; ++y) {
@@ -98,7 +99,9 @@ void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place
 
 void LockScreenScenery::update(const SequenceDocument& document, const QSize& pixels, double pixelsPerPoint,
                                CaptureMode mode) {
-  const QImage& wallpaper = wallpaperSource_.filled(document, pixels);
+  // A movie has one wallpaper, whatever happens to the photo while it is made.
+  const QImage& wallpaper = wallpaperSource_.filled(
+      document, pixels, mode == CaptureMode::Capture ? PhotoChanges::Ignored : PhotoChanges::Followed);
   const bool sameScale = pixels == pixels_ && pixelsPerPoint == pixelsPerPoint_ && mode == mode_;
   const bool sameWallpaper = wallpaper.cacheKey() == wallpaper_.cacheKey();
   const bool sameLabels = document.dateLabel == dateLabel_ && document.timeLabel == timeLabel_;
@@ -122,6 +125,7 @@ void LockScreenScenery::update(const SequenceDocument& document, const QSize& pi
   if (!sameScale || !sameWallpaper) backdrop_ = glassBackdrop(wallpaper_, pixelsPerPoint, style);
   layout_ = lockScreenLayout(document, 0);
   QImage picture = wallpaper_;
+  makeWritable(picture);
   paintBack(picture);
   paintFront(picture);
   picture_ = picture;

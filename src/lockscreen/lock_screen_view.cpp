@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/continuous_corners.h"
+#include "platform/picture_memory.h"
 
 namespace brisklet {
 namespace {
@@ -95,7 +96,7 @@ void LockScreenCache::cutCorners(QImage& target, double pixelsPerPoint) {
     const QSize size = QSizeF(2 * radius, 2 * radius).toSize().boundedTo(target.size() / 2);
     const QPoint farCorner(target.width() - size.width(), target.height() - size.height());
     for (const QPoint& at : {QPoint(0, 0), QPoint(farCorner.x(), 0), QPoint(0, farCorner.y()), farCorner}) {
-      QImage mask(size, QImage::Format_ARGB32_Premultiplied);
+      QImage mask = newPicture(size, QImage::Format_ARGB32_Premultiplied);
       mask.fill(Qt::transparent);
       QPainter painter(&mask);
       painter.setRenderHint(QPainter::Antialiasing);
@@ -127,14 +128,19 @@ const QImage& LockScreenCache::composed(const SequenceDocument& document, const 
     QList<double> tops;
     for (const DrawnCard& card : drawnCards) tops.append(card.top);
     if (plated_.isNull() || scenery != platedScenery_ || tops != platedTops_) {
-      plated_ = scenery_.picture();
-      paintPlates(plated_, drawnCards, left);
+      plated_ = {};  // until it is whole
+      QImage plated = scenery_.picture();
+      makeWritable(plated);
+      paintPlates(plated, drawnCards, left);
+      plated_ = std::move(plated);
       platedScenery_ = scenery;
       platedTops_ = std::move(tops);
     }
     next = plated_;
+    makeWritable(next);
   } else {
     next = scenery_.picture();
+    makeWritable(next);
     paintPlates(next, drawnCards, left);
   }
   double lowest = 0;

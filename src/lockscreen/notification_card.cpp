@@ -1,5 +1,7 @@
 #include "lockscreen/notification_card.h"
 
+#include "platform/picture_memory.h"
+
 #include <algorithm>
 
 namespace brisklet {
@@ -59,7 +61,7 @@ QImage CardContentCache::image(const Ping& ping, const QSizeF& card, const QSize
     std::rotate(known, known + 1, entries_.end());
     return entries_.last().image;
   }
-  QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+  QImage image = newPicture(pixels, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   {
     QPainter painter(&image);

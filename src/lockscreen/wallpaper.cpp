@@ -1,15 +1,16 @@
 #include "lockscreen/wallpaper.h"
 
+#include "lockscreen/bundle_image.h"
+#include "model/color.h"
+#include "platform/image_decoder.h"
+#include "platform/picture_memory.h"
+
 #include <QColor>
 #include <QFileInfo>
 #include <QPainter>
 #include <QRectF>
 #include <algorithm>
 #include <cmath>
-
-#include "lockscreen/bundle_image.h"
-#include "model/color.h"
-#include "platform/image_decoder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,8 +21,8 @@ namespace {
 constexpr QSize printSize(1170, 2532);
 
 QImage overBlack(const QImage& image) {
-  if (!image.hasAlphaChannel()) return image.convertToFormat(QImage::Format_RGB32);
-  QImage opaque(image.size(), QImage::Format_RGB32);
+  if (!image.hasAlphaChannel()) return whole(image.convertToFormat(QImage::Format_RGB32));
+  QImage opaque = newPicture(image.size(), QImage::Format_RGB32);
   opaque.fill(Qt::black);
   QPainter(&opaque).drawImage(0, 0, image);
   return opaque;
@@ -29,7 +30,7 @@ QImage overBlack(const QImage& image) {
 
 QImage plainFill(const QSize& pixels) {
   const Color color = Color::fromHex(u"#9bb4be"_s);
-  QImage image(pixels, QImage::Format_RGB32);
+  QImage image = newPicture(pixels, QImage::Format_RGB32);
   image.fill(QColor::fromRgbF(float(color.red), float(color.green), float(color.blue)));
   return image;
 }
@@ -46,16 +47,22 @@ QImage photoFill(const QImage& photo, const QSize& pixels) {
   const QRect source = shown.toAlignedRect() & photo.rect();
   const QSize scaledSize(std::max(pixels.width(), qRound(source.width() * scale)),
                          std::max(pixels.height(), qRound(source.height() * scale)));
-  const QImage cut = source == photo.rect() ? photo : photo.copy(source);
-  const QImage scaled = cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  const QImage cut = source == photo.rect() ? photo : whole(photo.copy(source));
+  const QImage scaled = whole(cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
   const int left =
       std::clamp(qRound((shown.left() - source.left()) * scale), 0, scaledSize.width() - pixels.width());
   const int top =
       std::clamp(qRound((shown.top() - source.top()) * scale), 0, scaledSize.height() - pixels.height());
-  return scaled.size() == pixels ? scaled : scaled.copy(QRect(QPoint(left, top), pixels));
+  return scaled.size() == pixels ? scaled : whole(scaled.copy(QRect(QPoint(left, top), pixels)));
 }
 
-const QImage& WallpaperSource::filled(const SequenceDocument& document, const QSize& pixels) {
+const QImage& WallpaperSource::filled(const SequenceDocument& document, const QSize& pixels,
+                                      PhotoChanges changes) {
+  if (changes == PhotoChanges::Ignored && image_.size() == pixels && wallpaper_ == document.wallpaper &&
+      wallpaperUrl_ == document.wallpaperUrl)
+    return image_;
+  wallpaper_ = document.wallpaper;
+  wallpaperUrl_ = document.wallpaperUrl;
   Origin origin = originOf(document);
   if (!(origin == origin_)) {
     origin_ = std::move(origin);

@@ -12,14 +12,19 @@ namespace brisklet {
 /// The picture scaled uniformly to cover `pixels`, centred and cut off at the edges.
 [[nodiscard]] QImage photoFill(const QImage& photo, const QSize& pixels);
 
+/// Whether a photo whose file changes, or goes, becomes another wallpaper.
+enum class PhotoChanges { Followed, Ignored };
+
 /// Holds the wallpaper of the document last asked for, at the size last asked for. A custom photo is looked
-/// at every time, and read again only when its path, size or time of change differs.
+/// at every time, unless its changes are ignored, and read again only when its path, size or time of change
+/// differs.
 class WallpaperSource {
  public:
   /// The document's wallpaper filling `pixels`: its photo or built-in picture, built-in "one" where there is
   /// no such picture or no readable photo, and plain "#9bb4be" without even that. Never fails. The same
   /// image (equal `cacheKey()`) until something changes.
-  [[nodiscard]] const QImage& filled(const SequenceDocument& document, const QSize& pixels);
+  [[nodiscard]] const QImage& filled(const SequenceDocument& document, const QSize& pixels,
+                                     PhotoChanges changes = PhotoChanges::Followed);
 
  private:
   /// What decides the picture. For a built-in wallpaper only `name` is set.
@@ -35,6 +40,8 @@ class WallpaperSource {
   [[nodiscard]] static QImage read(const Origin& origin, const QSize& pixels);
 
   Origin origin_;
+  /// What the document says of it.
+  QString wallpaper_, wallpaperUrl_;
   /// The picture at the size of a movie's frame, from which smaller ones are made.
   QImage print_;
   QImage image_;

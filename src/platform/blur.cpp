@@ -1,5 +1,7 @@
 #include "platform/blur.h"
 
+#include "platform/picture_memory.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -208,7 +210,8 @@ QImage blurred(const QImage& source, double sigma) {
   if (source.isNull()) return {};
   QImage picture = source;
   if (picture.format() != QImage::Format_RGB32 && picture.format() != QImage::Format_ARGB32_Premultiplied)
-    picture.convertTo(picture.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    picture = whole(picture.convertToFormat(picture.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                                      : QImage::Format_RGB32));
   if (!(sigma > 0)) return picture;
 
   // A wide blur is done on a small picture. Making it small and large again blurs too: by a box, and by a
@@ -224,7 +227,7 @@ QImage blurred(const QImage& source, double sigma) {
   Plane small = reduced(picture, width, height);
   small = filteredDown(small, gaussian(height, remaining(picture.height(), height)));
   small = filteredAcross(small, gaussian(width, remaining(picture.width(), width)));
-  QImage result(picture.size(), picture.format());
+  QImage result = newPicture(picture.size(), picture.format());
   enlargeInto(result, small);
   return result;
 }

@@ -1,5 +1,7 @@
 #include "platform/symbol_image.h"
 
+#include "platform/picture_memory.h"
+
 #include <QCache>
 #include <QFile>
 #include <QSvgRenderer>
@@ -29,7 +31,7 @@ QSvgRenderer* drawing(const QString& name) {
 
 /// The symbol in one colour, filling `place` of a picture of `size` pixels.
 QImage tinted(QSvgRenderer& renderer, const QSize& size, const QRectF& place, const QColor& color) {
-  QImage image(size, QImage::Format_ARGB32_Premultiplied);
+  QImage image = newPicture(size, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
