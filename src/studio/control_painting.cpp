@@ -71,6 +71,12 @@ void paintOutline(QPainter& painter, const RoundedBox& box) {
   painter.fillPath(ring, box.outline);
 }
 
+void paintRule(QPainter& painter, const QRectF& rect, const QColor& color) {
+  QRectF line = onPixels(painter, rect);
+  line.setTop(line.bottom() - wholePixels(painter, rect.height()));
+  painter.fillRect(line, color);
+}
+
 double centredBaseline(const QPainter& painter, double top, double height, const TextStyle& style) {
   const QTransform& toDevice = painter.deviceTransform();
   const double baseline = top + (height - lineHeight(style)) / 2 + lineAscent(style);

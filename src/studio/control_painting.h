@@ -34,6 +34,9 @@ void paintPicture(QPainter& painter, const RoundedBox& box, const QImage& pictur
 /// The outline alone.
 void paintOutline(QPainter& painter, const RoundedBox& box);
 
+/// A horizontal line: as thick as the rectangle is high, in whole pixels, and with its lower edge.
+void paintRule(QPainter& painter, const QRectF& rect, const QColor& color);
+
 /// Where the text of this style stands when its line is centred between these heights.
 [[nodiscard]] double centredBaseline(const QPainter& painter, double top, double height,
                                      const TextStyle& style);

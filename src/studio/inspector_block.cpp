@@ -2,6 +2,7 @@
 
 #include <QPainter>
 
+#include "studio/control_painting.h"
 #include "studio/palette.h"
 #include "studio/studio_label.h"
 
@@ -21,7 +22,8 @@ void InspectorBlock::setTitle(const QString& title) {
 }
 
 void InspectorBlock::paintEvent(QPaintEvent*) {
-  QPainter(this).fillRect(0, height() - 1, width(), 1, Studio::line);
+  QPainter painter(this);
+  paintRule(painter, QRectF(0, height() - 1, width(), 1), Studio::line);
 }
 
 }  // namespace brisklet

@@ -2,13 +2,13 @@
 
 #include <QPainter>
 
+#include "studio/control_painting.h"
 #include "studio/palette.h"
 
 namespace brisklet {
 
 Rule::Rule(QWidget* parent) : QWidget(parent) {
   setFixedHeight(thickness);
-  setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void Rule::setProgress(std::optional<double> progress) {
@@ -19,8 +19,8 @@ void Rule::setProgress(std::optional<double> progress) {
 
 void Rule::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.fillRect(rect(), Studio::line);
-  if (progress_) painter.fillRect(QRectF(0, 0, width() * *progress_, height()), Studio::ink);
+  paintRule(painter, rect(), Studio::line);
+  if (progress_) paintRule(painter, QRectF(0, 0, width() * *progress_, height()), Studio::ink);
 }
 
 }  // namespace brisklet

@@ -11,7 +11,6 @@
 namespace brisklet {
 
 Stage::Stage(QWidget* parent) : QWidget(parent) {
-  setAttribute(Qt::WA_OpaquePaintEvent);
   setAccessibleName(tr("Lock screen"));
   frames_.setTimerType(Qt::PreciseTimer);
   connect(&frames_, &QTimer::timeout, this, &Stage::nextFrame);
@@ -71,11 +70,15 @@ void Stage::resizeEvent(QResizeEvent*) {
 void Stage::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   setUpPainter(painter);
-  const double scale = painter.deviceTransform().m11();
-  const QSize pixels = (QSizeF(size()) * scale).toSize();
-  if (backdrop_.size() != pixels) backdrop_ = stageBackdrop(pixels, scale);
+  const QTransform toDevice = painter.deviceTransform();
+  // Out to whole pixels: at some scales the stage ends within one.
+  const QRect pixels = toDevice.mapRect(QRectF(rect())).toAlignedRect();
+  if (backdrop_.size() != pixels.size()) backdrop_ = stageBackdrop(pixels.size(), toDevice.m11());
   painter.setClipRegion(event->region());
-  painter.drawImage(QRectF(rect()), backdrop_);
+  painter.save();
+  painter.setWorldTransform(toDevice.inverted() * painter.worldTransform());
+  painter.drawImage(pixels.topLeft(), backdrop_);
+  painter.restore();
 
   if (!player_ || !event->region().intersects(phoneArea())) return;
   const QRectF phone = phoneRect(size());
