@@ -178,7 +178,8 @@ void addPings(StudioView& view, int count) {
 }  // namespace
 
 QImage controlSheet(const QString&) {
-  const QList<State> plain = {State::Rest, State::Hovered, State::Pressed, State::Focused, State::Disabled};
+  const QList<State> usable = {State::Rest, State::Hovered, State::Pressed, State::Focused};
+  const QList<State> plain = usable + QList<State>{State::Disabled};
   const QList<State> chips = {State::Rest,    State::Hovered,  State::Pressed,
                               State::Focused, State::Selected, State::SelectedFocused};
   Sheet sheet(8, QColor(0xd8, 0xd8, 0xdc));
@@ -191,10 +192,10 @@ QImage controlSheet(const QString&) {
   addButtons(sheet, u"solid"_s, Studio::white, {}, plain,
              button(u"Export"_s, u"square.and.arrow.down"_s, ButtonLook::Solid));
   for (const char* symbol : {"window.minimise", "window.zoom", "window.close"}) {
-    addButtons(sheet, u"WindowButton"_s, Studio::white, {}, plain,
+    addButtons(sheet, u"WindowButton"_s, Studio::white, {}, usable,
                [symbol] { return new WindowButton(QString::fromLatin1(symbol), {}); });
   }
-  addButtons(sheet, u"AddPingButton"_s, Studio::paper, {252, 34}, plain, [] { return new AddPingButton; });
+  addButtons(sheet, u"AddPingButton"_s, Studio::paper, {252, 34}, usable, [] { return new AddPingButton; });
   addButtons(sheet, u"TypeChip"_s, Studio::paper, {122, 28}, chips,
              [] { return new TypeChip(PingType::types(u"instagram"_s).at(1)); });
   addButtons(sheet, u"WallpaperChip"_s, Studio::paper, {44, 44}, chips,
@@ -239,6 +240,16 @@ QImage controlSheet(const QString&) {
     sheet.add(image, c.caption);
   }
   return sheet.image();
+}
+
+QImage windowPicture(const QString&) {
+  const auto window = makeWindow();
+  StudioView& view = window->view();
+  view.setTitle(u"Launch day"_s);
+  addPings(view, 5);
+  view.selectPing(view.document().notifications.at(1));
+  settleCards();
+  return pictureOf(*window, 1);
 }
 
 QImage studioSheet(const QString&) {

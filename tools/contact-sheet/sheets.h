@@ -26,6 +26,8 @@ namespace brisklet {
 
 /// Each control of the studio in each of its states.
 [[nodiscard]] QImage controlSheet(const QString& scratch);
+/// The studio's window with a few pings.
+[[nodiscard]] QImage windowPicture(const QString& scratch);
 /// The studio's window in several states.
 [[nodiscard]] QImage studioSheet(const QString& scratch);
 
