@@ -43,7 +43,6 @@ StudioWindow::StudioWindow(StudioView::Services services, const MakePanels& make
       frame_(new WindowFrame(this)) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMinimumSize(leastSize);
-  setWindowTitle(tr("Brisklet"));
   // A click beside all controls takes the focus from a field.
   setFocusPolicy(Qt::ClickFocus);
 
@@ -145,6 +144,7 @@ void StudioWindow::addShortcuts() {
 
 void StudioWindow::showState() {
   const SequenceDocument& document = view_->document();
+  setWindowTitle(document.title.isEmpty() ? tr("Untitled video") : document.title);
   showTopBar();
   inspector_->setState({.wallpaper = document.wallpaper,
                         .wallpaperUrl = document.wallpaperUrl,

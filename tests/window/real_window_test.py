@@ -101,8 +101,7 @@ def make_a_movie(program, window_manager):
         photo = os.path.join(studio.home, "red.png")
         subprocess.run(["convert", "-size", "600x900", "xc:#c02020", photo], check=True)
         studio.click(*PHOTO_CHIP)
-        studio.find_window("Choose a lock screen photo")
-        time.sleep(0.5)
+        studio.wait_for_dialog("Choose a lock screen photo")
         studio.type(photo)
         studio.key("Return")
         studio.wait(lambda: is_near(studio.seen().pixel(*PHOTO_CHIP), (0xc0, 0x20, 0x20)), "The chip shows the photo.")
@@ -122,8 +121,7 @@ def make_a_movie(program, window_manager):
 
         movie = os.path.join(studio.home, "movie.mp4")
         studio.click(*EXPORT)
-        studio.find_window("Export notification video")
-        time.sleep(0.5)
+        studio.wait_for_dialog("Export notification video")
         studio.key("ctrl+a")
         studio.type(movie[:-len(".mp4")])
         studio.key("Return")
@@ -163,12 +161,10 @@ def make_a_movie(program, window_manager):
         studio.wait(lambda: studio.geometry()[2] < width, "Another one restores it.")
 
         studio.key("ctrl+n")
-        studio.wait(lambda: len(studio.output("xdotool", "search", "--onlyvisible", "--name", "Brisklet").split()) == 2,
-                    "Another window opens.")
+        studio.wait(lambda: len(studio.windows()) == 2, "Another window opens.")
         time.sleep(0.5)
         studio.key("ctrl+w")
-        studio.wait(lambda: len(studio.output("xdotool", "search", "--onlyvisible", "--name", "Brisklet").split()) == 1,
-                    "It closes by itself.")
+        studio.wait(lambda: len(studio.windows()) == 1, "It closes by itself.")
         time.sleep(0.5)
         studio.key("ctrl+q")
         expect(studio.studio.wait(20) == 0, "The program ends well.")

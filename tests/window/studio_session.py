@@ -53,7 +53,7 @@ class StudioSession:
                 self.wait(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in self.output(
                     "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "The window manager starts.")
             self.studio = self.start([self.program])
-            self.window = self.find_window("Brisklet")
+            self.window = self.wait(self.windows, "The studio's window opens.")[-1]
             self.wait(lambda: len(set(self.screen().data[::997])) > 8, "The window is painted.")
         except BaseException as failure:
             self.__exit__(failure)
@@ -100,15 +100,13 @@ class StudioSession:
             time.sleep(0.05)
         raise AssertionError("Did not happen: " + what)
 
-    def find_window(self, name):
-        """The newest visible window whose title holds a name."""
-        def search():
-            found = self.output("xdotool", "search", "--onlyvisible", "--name", name).split()
-            return found and found[-1]
-        return self.wait(search, "A window with the title %r." % name)
+    def windows(self):
+        """All visible windows of the program."""
+        return self.output("xdotool", "search", "--onlyvisible", "--class", "brisklet").split()
 
-    def has_window(self, name):
-        return bool(self.output("xdotool", "search", "--onlyvisible", "--name", name).split())
+    def wait_for_dialog(self, title):
+        self.wait(lambda: self.output("xdotool", "search", "--onlyvisible", "--name", title), title)
+        time.sleep(0.5)  # until it has the keyboard
 
     def geometry(self):
         lines = self.output("xdotool", "getwindowgeometry", "--shell", self.window).splitlines()
