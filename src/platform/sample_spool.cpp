@@ -12,7 +12,7 @@ namespace brisklet {
 
 namespace {
 
-constexpr size_t bytesInMemory = 8 << 20;
+constexpr size_t bytesInMemory = 4 << 20;
 
 UniqueFd namelessFile(const std::string& folder) {
   if (UniqueFd file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600)); file) return file;
@@ -28,8 +28,12 @@ UniqueFd namelessFile(const std::string& folder) {
 
 void SampleSpool::append(std::span<const uint8_t> data, int64_t time, int64_t duration, bool isKey) {
   if (recent_.size() + data.size() > bytesInMemory) spill();
+  recent_.reserve(bytesInMemory);  // only what is used is taken
   recent_.insert(recent_.end(), data.begin(), data.end());
-  samples_.push_back({static_cast<uint32_t>(data.size()), isKey, time, duration});
+  samples_.push_back({.time = time,
+                      .bytes = static_cast<uint32_t>(data.size()),
+                      .duration = static_cast<uint32_t>(duration) & INT32_MAX,
+                      .isKey = isKey});
 }
 
 void SampleSpool::spill() {

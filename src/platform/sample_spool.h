@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <string>
 #include <vector>
@@ -10,12 +11,12 @@
 
 namespace brisklet {
 
-/// One encoded picture or one block of encoded sound.
+/// One encoded picture or one block of encoded sound. Kept small: a movie has thousands a minute.
 struct Sample {
+  int64_t time = 0;  // presentation, in ticks of its track
   uint32_t bytes = 0;
-  bool isKey = false;
-  int64_t time = 0;      // presentation, in ticks of its track
-  int64_t duration = 0;  // in the same ticks
+  uint32_t duration : 31 = 0;  // in the same ticks
+  uint32_t isKey : 1 = 0;
 };
 
 /// Keeps the encoded samples of a track until the movie file is written, in order. The first megabytes stay
@@ -29,7 +30,7 @@ class SampleSpool {
 
   void append(std::span<const uint8_t> data, int64_t time, int64_t duration, bool isKey);
 
-  [[nodiscard]] const std::vector<Sample>& samples() const { return samples_; }
+  [[nodiscard]] const std::deque<Sample>& samples() const { return samples_; }
 
   /// The bytes of the next sample, from the first one on; to be called once for each sample, after the last
   /// `append`. They stay valid until the next call.
@@ -39,7 +40,7 @@ class SampleSpool {
   void spill();
 
   std::string folder_;
-  std::vector<Sample> samples_;
+  std::deque<Sample> samples_;
   std::vector<uint8_t> recent_;  // what has not gone to the file
   UniqueFd file_;
   int64_t fileBytes_ = 0;
