@@ -1,6 +1,7 @@
 #include "lockscreen/wallpaper.h"
 
 #include "lockscreen/bundle_image.h"
+#include "model/catalogue.h"
 #include "model/color.h"
 #include "platform/image_decoder.h"
 #include "platform/picture_memory.h"
@@ -83,8 +84,8 @@ WallpaperSource::Origin WallpaperSource::originOf(const SequenceDocument& docume
     const QFileInfo file(document.wallpaperUrl);
     if (file.isFile()) return {{}, document.wallpaperUrl, file.size(), file.lastModified()};
   }
-  for (const QString& name : {u"two"_s, u"three"_s, u"four"_s}) {
-    if (document.wallpaper == name) return {name, {}, -1, {}};
+  for (const Studio::Wallpaper& wallpaper : Studio::wallpapers()) {
+    if (document.wallpaper == wallpaper.id) return {wallpaper.id, {}, -1, {}};
   }
   return {u"one"_s, {}, -1, {}};
 }

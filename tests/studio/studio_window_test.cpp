@@ -10,6 +10,7 @@
 #include <chrono>
 
 #include "base/error.h"
+#include "model/catalogue.h"
 #include "studio/add_ping_button.h"
 #include "studio/alert.h"
 #include "studio/app_chip.h"
@@ -139,15 +140,23 @@ TEST_F(StudioWindowTest, partsHaveTheirPlaces) {
 TEST_F(StudioWindowTest, blocksFollowEachOtherWithTheirMargins) {
   settle();
   const auto blocks = window->findChildren<InspectorBlock*>();
+  // Six apps a row, five wallpapers, with the chips for those of one's own.
+  const auto rows = [](qsizetype chips, qsizetype columns) {
+    return static_cast<int>((chips - 1) / columns) + 1;
+  };
+  const int wallpaperRows = rows(Studio::wallpapers().size() + 1, 5);
+  const int appRows = rows(AppPreset::all().size() + 1, 6);
+  const int apps = 53 + 61 + wallpaperRows * 52 - 8, types = apps + 61 + appRows * 44 - 8, ping = types + 157;
   // Margins, label, spacing, content: 18 + 13 + 12 + content + 18.
-  EXPECT_EQ(place(blocks[0]), QRect(0, 53, 288, 61 + 44));
-  EXPECT_EQ(place(blocks[1]), QRect(0, 158, 288, 61 + 36));
-  EXPECT_EQ(place(blocks[2]), QRect(0, 255, 288, 61 + 3 * 28 + 2 * 6));
-  EXPECT_EQ(place(blocks[3]), QRect(0, 412, 288, 61 + 2 * 55 + 34 + 2 * 10));
+  EXPECT_EQ(place(blocks[0]), QRect(0, 53, 288, apps - 53));
+  EXPECT_EQ(place(blocks[1]), QRect(0, apps, 288, types - apps));
+  EXPECT_EQ(place(blocks[2]), QRect(0, types, 288, 61 + 3 * 28 + 2 * 6));
+  EXPECT_EQ(place(blocks[3]), QRect(0, ping, 288, 61 + 2 * 55 + 34 + 2 * 10));
   EXPECT_EQ(place(chip(u"One"_s)), QRect(18, 96, 44, 44));
-  EXPECT_EQ(place(chip(u"Upload lock screen photo"_s)), QRect(18 + 4 * 52, 96, 44, 44));
-  EXPECT_EQ(place(chip(u"Comment"_s)), QRect(18 + 123 + 6, 298, 123, 28));
-  EXPECT_EQ(place(the<AddPingButton>()), QRect(18, 412 + 43 + 130, 252, 34));
+  EXPECT_EQ(place(chip(u"Upload lock screen photo"_s)),
+            QRect(18 + static_cast<int>(Studio::wallpapers().size()) % 5 * 52, apps - 18 - 44, 44, 44));
+  EXPECT_EQ(place(chip(u"Comment"_s)), QRect(18 + 123 + 6, types + 43, 123, 28));
+  EXPECT_EQ(place(the<AddPingButton>()), QRect(18, ping + 43 + 130, 252, 34));
 }
 
 TEST_F(StudioWindowTest, topBarItemsStandInOrder) {
