@@ -56,7 +56,9 @@ QString WallpaperStore::save(const QImage& image) {
   const bool isOpen = file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
   if (!isOpen || file.write(jpeg) != jpeg.size() || !file.flush()) {
     const QString reason = file.errorString();
-    if (isOpen) file.remove();
+    file.close();
+    // Not `file.remove()`, which does nothing when what is buffered cannot be written.
+    if (isOpen) QFile::remove(path);
     throw Error(QStringLiteral("Could not store the photo as “%1”: %2.").arg(path, reason));
   }
   return path;

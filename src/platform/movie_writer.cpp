@@ -50,8 +50,9 @@ class MovieFile {
   explicit MovieFile(const QString& path) : path_(QFile::encodeName(path)) {
     fd_ = UniqueFd(::open(path_.constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666));
     if (!fd_) {
-      const bool isFolder = errno == EEXIST && QFileInfo(path).isDir();
-      throw MovieFailure(systemCause(isFolder ? EISDIR : errno));
+      const int failure = errno;  // before another call replaces it
+      const bool isFolder = failure == EEXIST && QFileInfo(path).isDir();
+      throw MovieFailure(systemCause(isFolder ? EISDIR : failure));
     }
     ::fstat(fd_.get(), &made_);
   }

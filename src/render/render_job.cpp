@@ -1,5 +1,6 @@
 #include "render/render_job.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -54,6 +55,8 @@ SequenceDocument loadScene(const QString& scene) {
   const QByteArray bytes = readScene(scene);
   try {
     SequenceDocument document = decodeDocument(bytes);
+    // A colon would lead to what is built into the program.
+    if (document.wallpaperUrl.startsWith(u':')) document.wallpaperUrl.prepend(u"./"_s);
     // A scene that travels with its photo names it relative to itself.
     if (!document.wallpaperUrl.isEmpty() && !isStandardInput(scene))
       document.wallpaperUrl = QFileInfo(scene).dir().absoluteFilePath(document.wallpaperUrl);
@@ -99,7 +102,13 @@ void saveStill(const SequenceDocument& document, const RenderJob& job) {
   LockScreenCache cache;
   const QImage picture = captureFrame({document, player, CaptureMode::Capture}, cache);
   if (picture.isNull()) throw Error(u"%1: there is not enough memory for the picture"_s.arg(job.still));
-  saveFile(job.still, [&picture](QIODevice& file) { return QImageWriter(&file, "png").write(picture); });
+  // In memory first: libpng would remark on a full disk itself.
+  QByteArray png;
+  QBuffer buffer(&png);
+  buffer.open(QIODevice::WriteOnly);
+  if (!QImageWriter(&buffer, "png").write(picture))
+    throw Error(u"%1: there is not enough memory for the picture"_s.arg(job.still));
+  saveFile(job.still, [&png](QIODevice& file) { return file.write(png) == png.size(); });
 }
 
 void saveSoundtrack(const SequenceDocument& document, const RenderJob& job) {

@@ -55,6 +55,8 @@ TEST_F(Wallpapers, photoIsReadAgainOnlyWhenItsFileChanged) {
   EXPECT_EQ(filled(u"custom"_s, path).cacheKey(), red.cacheKey());
   saved(u"photo.png"_s, Qt::blue, {50, 30});
   EXPECT_EQ(filled(u"custom"_s, path).pixel(60, 100), qRgb(0, 0, 255));
+  ASSERT_TRUE(QFile::resize(path, 30));
+  EXPECT_EQ(filled(u"custom"_s, path), filled(u"one"_s));
   ASSERT_TRUE(QFile::remove(path));
   EXPECT_EQ(filled(u"custom"_s, path), filled(u"one"_s));
 }
