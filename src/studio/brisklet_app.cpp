@@ -3,6 +3,7 @@
 #include <QIcon>
 #include <QPalette>
 #include <QScreen>
+#include <QSettings>
 #include <QToolTip>
 #include <utility>
 
@@ -44,6 +45,9 @@ void BriskletApp::setUp(QApplication& application) {
   QApplication::setApplicationName(QStringLiteral("brisklet"));
   QApplication::setApplicationDisplayName(QStringLiteral("Brisklet"));
   QApplication::setDesktopFileName(QStringLiteral("brisklet"));
+  // Qt's file dialog would read and keep a history in the user's settings. There are none: nothing is kept
+  // from run to run, and nothing is left behind.
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
   QApplication::setStyle(new StudioStyle);
   QApplication::setPalette(studioPalette());
   application.setFont(systemFont(13, FontWeight::Regular));
