@@ -129,6 +129,7 @@ def make_a_movie(program, window_manager):
         studio.move(700, 26)
         streams = studio.wait(lambda: movie_streams(movie), "The movie is finished.", seconds=120)
         studio.wait(lambda: studio.seen().pixel(1150, 12) == INK, "Export is ready again.")
+        expect(not os.path.exists(os.path.join(studio.home, ".config/QtProject.conf")), "The panels leave no history.")
         video = streams["video"]
         expect((video["width"], video["height"]) == (1170, 2532), "The movie's size.")
         # The last ping lands at 2.1 s, and 1.8 s follow.
