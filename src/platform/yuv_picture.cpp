@@ -24,8 +24,9 @@ constexpr int crR = fixedPoint(chromaRange / 2), crB = fixedPoint(-chromaRange *
 constexpr int crG = -crR - crB;
 
 // The loops are plain so that the compiler can vectorise them; on x86-64 it makes a second version for AVX2,
-// which is chosen at run time. All is integer arithmetic, so both give the same bytes.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+// which is chosen at run time. All is integer arithmetic, so both give the same bytes. The choice is made
+// before the thread sanitizer is ready for it.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_THREAD__)
 #define BRISKLET_VECTORISED __attribute__((target_clones("avx2", "default"), optimize("O3")))
 #else
 #define BRISKLET_VECTORISED
