@@ -35,13 +35,13 @@ struct Look {
 };
 
 constexpr Look materialLook{.blur = 20,
-                            .saturation = 1.4F,
+                            .saturation = 1.2F,
                             .bendDepth = 0,
                             .bend = 0,
                             .hairline = 0.7,
                             .glowDepth = 5,
                             .glow = 0.10F,
-                            .gleamDepth = 4,
+                            .gleamDepth = 2,
                             .gleam = 0.20F,
                             .shade = 0.07F,
                             .baseLight = 0.10F,
@@ -52,13 +52,13 @@ constexpr Look materialLook{.blur = 20,
                             .shadowOffset = 4};
 
 constexpr Look regularLook{.blur = 8,
-                           .saturation = 1.4F,
+                           .saturation = 1.2F,
                            .bendDepth = 14,
                            .bend = 22,
                            .hairline = 0.8,
                            .glowDepth = 4,
                            .glow = 0.16F,
-                           .gleamDepth = 4,
+                           .gleamDepth = 2,
                            .gleam = 0.24F,
                            .shade = 0.10F,
                            .baseLight = 0.12F,
@@ -135,7 +135,7 @@ PlateColor plateColor(float red, float green, float blue, float saturation) {
   // A darkened colour keeps its saturation by keeping the ratio of its channels, not their distance, and a
   // frosted one looks right with a little less. Colours that would leave the gamut lose saturation, not hue.
   const float dimming = std::min(1.0F, level / std::max(luma, 0.01F));
-  float chroma = saturation * std::pow(dimming, 1.3F);
+  float chroma = saturation * std::pow(dimming, 1.6F);
   for (const float offset : {red - luma, green - luma, blue - luma}) {
     if (level + chroma * offset > 1) chroma = (1 - level) / offset;
     if (level + chroma * offset < 0) chroma = -level / offset;

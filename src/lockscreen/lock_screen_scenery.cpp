@@ -44,9 +44,36 @@ FloatPlane lowered(const FloatPlane& plane, int cells) {
   return moved;
 }
 
+/// How far right of the middle of its lines the middle of the time's ink lies, in points. What stands beside
+/// the ink of a digit differs from digit to digit, and at the clock's size that would show.
+double inkOffset(const TextBlock& time, const QRectF& place) {
+  constexpr int finer = 4;
+  const int height = std::min(int(std::ceil(place.height())), int(Metrics::canvasHeight));
+  QImage ink = newPicture({int(Metrics::canvasWidth) * finer, std::max(1, height) * finer},
+                          QImage::Format_ARGB32_Premultiplied);
+  ink.fill(Qt::transparent);
+  {
+    QPainter painter(&ink);
+    prepare(painter, finer);
+    time.draw(painter, {Metrics::canvasWidth / 2, 0}, Qt::white);
+  }
+  int left = ink.width(), right = -1;
+  for (int y = 0; y < ink.height(); ++y) {
+    const auto* line = reinterpret_cast<const QRgb*>(ink.constScanLine(y));
+    const auto isInked = [](QRgb pixel) { return qAlpha(pixel) >= 128; };
+    const auto* const first = std::find_if(line, line + left, isInked);
+    left = int(first - line);
+    for (int x = ink.width() - 1; x > right; --x) {
+      if (isInked(line[x])) right = x;
+    }
+  }
+  return right < left ? 0 : (left + right + 1) / (2.0 * finer) - Metrics::canvasWidth / 2;
+}
+
 /// Paints the glow and the drop shadow of the time: the glow lies on the shadow that text and glow cast
 /// together. Both are computed on a grid of a point a cell.
-void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place, double pixelsPerPoint) {
+void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place, double centreX,
+                      double pixelsPerPoint) {
   const int top = std::max(0, int(place.top() - shadowsReach));
   const int bottom = std::min(int(Metrics::canvasHeight), int(place.bottom() + shadowsReach));
   const int columns = int(Metrics::canvasWidth), rows = bottom - top;
@@ -58,7 +85,7 @@ void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place
   {
     QPainter painter(&text);
     prepare(painter, finer);
-    time.draw(painter, {Metrics::canvasWidth / 2, place.top() - top}, white(Metrics::timeOpacity));
+    time.draw(painter, {centreX, place.top() - top}, white(Metrics::timeOpacity));
   }
   const QImage coarse = whole(text.scaled(columns, rows, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 
@@ -133,7 +160,8 @@ void LockScreenScenery::update(const SequenceDocument& document, const QSize& pi
 
 void LockScreenScenery::paintBack(QImage& target) const {
   const TextBlock time = labelLines(timeLabel_, Styles::time);
-  paintTimeShadows(target, time, layout_.time, pixelsPerPoint_);
+  const double timeCentre = layout_.time.center().x() - inkOffset(time, layout_.time);
+  paintTimeShadows(target, time, layout_.time, timeCentre, pixelsPerPoint_);
   QPainter painter(&target);
   prepare(painter, pixelsPerPoint_);
   TextLine(timeLabel_, Styles::status, layout_.statusTimeRoom).draw(painter, layout_.statusTime, white(1));
@@ -141,7 +169,7 @@ void LockScreenScenery::paintBack(QImage& target) const {
     drawSymbol(painter, symbol.name, Metrics::statusSymbolSize, symbol.rect.center(), white(1));
   labelLines(dateLabel_, Styles::date)
       .draw(painter, {layout_.date.center().x(), layout_.date.top()}, white(Metrics::dateOpacity));
-  time.draw(painter, {layout_.time.center().x(), layout_.time.top()}, white(Metrics::timeOpacity));
+  time.draw(painter, {timeCentre, layout_.time.top()}, white(Metrics::timeOpacity));
 }
 
 void LockScreenScenery::paintFront(QImage& target) const {

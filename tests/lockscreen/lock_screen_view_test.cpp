@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "pictures.h"
 
 using namespace Qt::StringLiterals;
@@ -85,6 +87,24 @@ TEST(CaptureFrame, cardsThatDoNotFitPassUnderTheQuickActions) {
   const QRect orb = QRectF(50 * 3, 772 * 3, 42 * 3, 40 * 3).toRect();
   EXPECT_LE(greatestDifference(many, none, orb), 12);
   EXPECT_GT(greatestDifference(many, none, QRect(500, 2330, 100, 100)), 20);
+}
+
+TEST(CaptureFrame, theTimeStandsInTheMiddleByItsInk) {
+  for (const QString& time : {u"9:41"_s, u"11:11"_s, u"7:07"_s}) {
+    SequenceDocument document = documentWith(0, u"two"_s);
+    document.timeLabel = time;
+    const QImage frame = captured(document);
+    const QRectF place = lockScreenLayout(document, 0).time;
+    int left = frame.width(), right = 0;
+    for (int y = int(place.top() * 3); y < int(place.bottom() * 3); ++y) {
+      for (int x = 0; x < frame.width(); ++x) {
+        if (qGreen(frame.pixel(x, y)) < 215) continue;
+        left = std::min(left, x);
+        right = std::max(right, x);
+      }
+    }
+    EXPECT_NEAR((left + right + 1) / 2.0, 585, 1.5) << time.toStdString();
+  }
 }
 
 TEST(CaptureFrame, takesAnyText) {
