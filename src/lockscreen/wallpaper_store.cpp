@@ -50,8 +50,8 @@ QString WallpaperStore::save(const QImage& image) {
     throw Error(QStringLiteral("Could not store the photo: the folder “%1” cannot be made.").arg(folder));
   const QByteArray jpeg = jpegOf(image);
 
-  const QString path = QStringLiteral("%1/wallpaper-%2.jpg")
-                           .arg(folder, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+  QString path = QStringLiteral("%1/wallpaper-%2.jpg")
+                     .arg(folder, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
   QFile file(path);
   const bool isOpen = file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
   if (!isOpen || file.write(jpeg) != jpeg.size() || !file.flush()) {

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <csignal>
+#include <utility>
 
 namespace brisklet {
 
@@ -26,7 +27,7 @@ extern "C" void writeByte(int signalNumber) {
 Interruption::Interruption(std::stop_source stop) {
   if (pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) return;
   notifier_ = std::make_unique<QSocketNotifier>(pipeEnds[0], QSocketNotifier::Read);
-  QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this, stop]() mutable {
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this, stop = std::move(stop)]() mutable {
     notifier_->setEnabled(false);
     stop.request_stop();
   });

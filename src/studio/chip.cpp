@@ -35,7 +35,7 @@ void Chip::keyPressEvent(QKeyEvent* event) {
 
 void Chip::focusInEvent(QFocusEvent* event) {
   // Not the button's own, which would let Tab reach only the selected chip.
-  QWidget::focusInEvent(event);
+  QWidget::focusInEvent(event);  // NOLINT(bugprone-parent-virtual-call)
   update();
   Q_EMIT focused();
 }

@@ -23,7 +23,8 @@ QList<QRect> chipPlaces(const ChipRows& rows, int width, int count) {
   QList<QRect> places;
   for (int i = 0; i < count; ++i) {
     const double left = (i % columns) * (columnWidth + rows.spacing);
-    const int y = static_cast<int>(std::lround((i / columns) * (height + rows.spacing)));
+    const int row = i / columns;
+    const int y = static_cast<int>(std::lround(row * (height + rows.spacing)));
     if (rows.shape == ChipRows::Shape::Square) {
       // Never beyond the last column's edge.
       const int x = static_cast<int>(std::lround(left + (columnWidth - side) / 2));

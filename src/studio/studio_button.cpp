@@ -69,7 +69,8 @@ void StudioButton::paintEvent(QPaintEvent*) {
 
   const QColor color = solid ? Studio::white : Studio::ink;
   // Where the button is wider than its content, the content stands in its middle.
-  double x = (solid ? solidMargin : flatMargin) + (width() - sizeHint().width()) / 2;
+  const int spare = (width() - sizeHint().width()) / 2;
+  double x = (solid ? solidMargin : flatMargin) + spare;
   if (!systemImage_.isEmpty()) {
     const double symbolWidth = symbolSize(systemImage_, symbolFontSize).width();
     drawSymbol(painter, systemImage_, symbolFontSize, {x + symbolWidth / 2, height() / 2.0}, color);
