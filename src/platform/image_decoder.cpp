@@ -20,8 +20,9 @@ namespace brisklet {
 
 namespace {
 
-/// Memory that Qt may take for one picture: as many pixels as are allowed, of up to 16 bits a channel.
-constexpr int maxAllocationMebibytes = static_cast<int>((maxImagePixels * 8) >> 20) + 1;
+/// Memory that Qt may take for one picture: as many pixels as are allowed, of 8 bits a channel. Of 16 bits,
+/// half as many.
+constexpr int maxAllocationMebibytes = static_cast<int>((maxImagePixels * 4) >> 20) + 1;
 
 bool isAllowedSize(qint64 width, qint64 height) {
   return width > 0 && height > 0 && width <= maxImagePixels / height;

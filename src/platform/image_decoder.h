@@ -7,7 +7,7 @@
 
 namespace brisklet {
 
-/// Pictures that claim more pixels than this are not decoded.
+/// Pictures that claim more pixels than this, or with 16 bits a channel half as many, are not decoded.
 inline constexpr qint64 maxImagePixels = 300'000'000;
 
 /// Files longer than this are not read.

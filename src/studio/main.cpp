@@ -8,9 +8,14 @@
 #include "sound/notification_sound_player.h"
 #include "studio/brisklet_app.h"
 
+#include <csignal>
+
 int main(int argc, char** argv) {
   using namespace brisklet;
 
+  // A file that meets a size limit, and a service that went away, are errors of the write and not the end.
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
   QApplication application(argc, argv);
   BriskletApp::setUp(application);
 
