@@ -233,6 +233,7 @@ TEST_F(RenderFaults, tooLittleMemoryEndsInASentenceAndNoFile) {
 TEST_F(RenderFaults, tooFewFilesOrClosedStreamsDoNoHarm) {
   const QByteArray movie = undisturbedMovie("short.json");
   for (const quint64 files : {4, 5, 6, 8, 12}) {
+    if (isSanitized) break;  // the sanitizer opens pipes of its own to look at memory
     SCOPED_TRACE(files);
     const Outcome outcome = machine.run({"short.json", "out.mp4"}, openFilesLimit(files));
     EXPECT_TRUE(outcome.status == 0 || outcome.status == 1 || outcome.status == 127);
