@@ -183,12 +183,17 @@ TEST_F(VideoExporterTest, theEventLoopKeepsTurningWhetherTheWriterIsBusyOrNot) {
     script = {};
     script.asksPerFrame = asks;
     int turns = 0;
+    int turnsBeforeTheLastFrame = 0;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&turns] { ++turns; });
     timer.start(0);
-    EXPECT_EQ(exported(documentWithDelays({500, 1000, 1500})), "");
+    EXPECT_EQ(exported(documentWithDelays({500, 1000, 1500}), {},
+                       [&](qint64, qint64) { turnsBeforeTheLastFrame = turns; }),
+              "");
     EXPECT_EQ(script.frames.size(), 99u);
-    EXPECT_GE(turns, asks == 1 ? 4 : 99 * (asks - 1));
+    // A writer that is always ready gives no reason to wait, but painting the first picture takes longer than
+    // a turn may.
+    EXPECT_GE(turnsBeforeTheLastFrame, asks == 1 ? 1 : 98 * (asks - 1));
   }
 }
 

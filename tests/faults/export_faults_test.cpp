@@ -125,7 +125,8 @@ TEST_F(ExportFaults, manyExportsTakeNoMoreThanOne) {
   EXPECT_EQ(entriesOf("/proc/self/fd"), files);
   EXPECT_EQ(entriesOf("/proc/self/task"), threads);
   if (!isSanitized) {
-    EXPECT_LT(residentBytes() - memory, 32 << 20);
+    // The allocator's arenas differ from run to run; a picture kept by each export would be 240 MB.
+    EXPECT_LT(residentBytes() - memory, 96 << 20);
   }
 }
 
