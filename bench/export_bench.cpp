@@ -20,8 +20,8 @@
 #include "base/wait_for_task.h"
 #include "export/video_exporter.h"
 #include "lockscreen/lock_screen_view.h"
-#include "model/catalogue.h"
 #include "model/document_json.h"
+#include "ping_scene.h"
 #include "platform/aac_encoder.h"
 #include "platform/held_picture_encoder.h"
 #include "platform/mp4_file.h"
@@ -44,27 +44,6 @@ double seconds(const std::function<void()>& work) {
 double median(std::vector<double> values) {
   std::sort(values.begin(), values.end());
   return values[values.size() / 2];
-}
-
-/// Pings of the catalogue's apps and templates, evenly spread, the last one 1.8 s before the end.
-SequenceDocument scene(int pings, double lengthSeconds) {
-  SequenceDocument document = SequenceDocument::blank();
-  document.dateLabel = QStringLiteral("Mon Nov 16");
-  const double lastMs = lengthSeconds * 1000 - 1800;
-  for (int i = 0; i < pings; ++i) {
-    const AppPreset& app = AppPreset::all().at(i % AppPreset::all().size());
-    const QList<PingType>& types = PingType::types(app.id);
-    document.notifications.append({QString::number(i),
-                                   app.id,
-                                   app.label,
-                                   app.icon,
-                                   app.color,
-                                   PingType::defaultSender(app.id),
-                                   types.at(i / AppPreset::all().size() % types.size()).message,
-                                   lastMs * (i + 1) / pings,
-                                   {}});
-  }
-  return document;
 }
 
 struct ProcessFigures {
@@ -221,6 +200,9 @@ int main(int argc, char** argv) {
     const char* name;
     int pings;
     double lengthSeconds;
+
+    /// The last ping lands 1.8 s before the end.
+    SequenceDocument document() const { return pingScene(pings, (lengthSeconds * 1000 - 1800) / pings); }
   } rows[]{{"short", 5, 4.3}, {"long", 20, 30}, {"ten minutes", 20, 600}};
 
   std::printf("Start: `brisklet-render --version` %.3f s (median of %d)\n\n",
@@ -231,7 +213,7 @@ int main(int argc, char** argv) {
       "|---|---|---|---|---|---|---|---|\n");
   double longEveryFrame = 0;
   for (const Row& row : rows) {
-    const SequenceDocument document = scene(row.pings, row.lengthSeconds);
+    const SequenceDocument document = row.document();
     QFile file(path("scene.json"));
     if (!file.open(QIODevice::WriteOnly)) return 1;
     file.write(encodeDocument(document));
@@ -258,7 +240,7 @@ int main(int argc, char** argv) {
       "| scene | first picture | further pictures, each | conversion | video | soundtrack | audio | file |\n"
       "|---|---|---|---|---|---|---|---|\n");
   for (const Row& row : rows) {
-    const Stages cost = stages(scene(row.pings, row.lengthSeconds), path("stages.mp4"));
+    const Stages cost = stages(row.document(), path("stages.mp4"));
     std::printf("| %s | %.0f | %.1f | %.0f | %.0f | %.0f | %.0f | %.0f |\n", row.name,
                 cost.firstPicture * 1000, cost.otherPictures * 1000 / static_cast<double>(cost.pictures - 1),
                 cost.conversion * 1000, cost.video * 1000, cost.synthesis * 1000, cost.audio * 1000,

@@ -3,48 +3,33 @@
 #include <QGuiApplication>
 
 #include "lockscreen/lock_screen_view.h"
-#include "model/catalogue.h"
+#include "ping_scene.h"
 
 namespace brisklet {
 namespace {
 
-/// Six pings of the catalogue's apps; the finished stack shows five.
-SequenceDocument sixPings() {
-  SequenceDocument document = SequenceDocument::blank();
-  for (int i = 0; i < 6; ++i) {
-    const AppPreset& app = AppPreset::all().at(i % AppPreset::all().size());
-    document.notifications.append({QString::number(i),
-                                   app.id,
-                                   app.label,
-                                   app.icon,
-                                   app.color,
-                                   PingType::defaultSender(app.id),
-                                   PingType::types(app.id).first().message,
-                                   i * 700.0,
-                                   {}});
-  }
-  return document;
-}
+/// The finished stack shows five of them, the last two from these times on.
+const SequenceDocument sixPings = pingScene(6, 700);
+constexpr double fifthMs = 3500;
+constexpr double sixthMs = 4200;
 
 /// A movie frame whose cards changed since the one before.
 void movieFrame(benchmark::State& state) {
-  const SequenceDocument document = sixPings();
-  SequencePlayer player(document);
+  SequencePlayer player(sixPings);
   LockScreenCache cache;
   bool last = false;
   for (auto _ : state) {
-    player.setElapsedMs(last ? 2800 : 3500);
+    player.setElapsedMs(last ? fifthMs : sixthMs);
     last = !last;
-    benchmark::DoNotOptimize(captureFrame({document, player, CaptureMode::Capture}, cache));
+    benchmark::DoNotOptimize(captureFrame({sixPings, player, CaptureMode::Capture}, cache));
   }
 }
 BENCHMARK(movieFrame)->Unit(benchmark::kMillisecond);
 
 /// A frame of the stage at two pixels a point, in the default window, while a card arrives and one leaves.
 void liveFrame(benchmark::State& state) {
-  const SequenceDocument document = sixPings();
-  SequencePlayer player(document);
-  const LockScreenView view{document, player, CaptureMode::Live};
+  SequencePlayer player(sixPings);
+  const LockScreenView view{sixPings, player, CaptureMode::Live};
   const double scale = 2 * 727.0 / LockScreenMetrics::canvasHeight;
   QImage stage(672, 1454, QImage::Format_ARGB32_Premultiplied);
   QPainter painter(&stage);
@@ -54,7 +39,7 @@ void liveFrame(benchmark::State& state) {
   double nowMs = 0;
   for (auto _ : state) {
     if (animation.settled(nowMs)) {
-      player.setElapsedMs(2800);
+      player.setElapsedMs(fifthMs);
       animation.reset(view.visiblePings());
       player.setElapsedMs(SequencePlayer::finishedMs);
       animation.update(view.visiblePings(), nowMs);
@@ -67,9 +52,8 @@ BENCHMARK(liveFrame)->Unit(benchmark::kMillisecond);
 
 /// The stage when nothing changed.
 void idleFrame(benchmark::State& state) {
-  const SequenceDocument document = sixPings();
-  SequencePlayer player(document);
-  const LockScreenView view{document, player, CaptureMode::Live};
+  SequencePlayer player(sixPings);
+  const LockScreenView view{sixPings, player, CaptureMode::Live};
   QImage stage(672, 1454, QImage::Format_ARGB32_Premultiplied);
   QPainter painter(&stage);
   painter.scale(1.72, 1.72);
