@@ -69,7 +69,6 @@ class StudioWindow : public QWidget {
   ColumnArea* timelineArea_;
   Alert* alert_;
   WindowFrame* frame_;
-  qsizetype shownPings_ = 0;
   bool asksToStop_ = false;
   bool closesAfterExport_ = false;
 };
