@@ -1,15 +1,14 @@
 """Makes a scene file of every row of a table: python3 make_scenes.py TABLE.csv DIRECTORY
 
 The table's columns: name, wallpaper, clock, app, sender, and then as many messages as you like. A row becomes
-DIRECTORY/NAME.json, a scene in which one sender's messages arrive one after another.
+DIRECTORY/NAME.json, a scene in which one sender's messages arrive one after another. An app of the studio is named
+as there; any other name gets a tile with its first letter.
 """
 
 import csv
 import json
 import pathlib
 import sys
-
-APPS = {"tiktok": "TikTok", "instagram": "Instagram", "messages": "Messages", "snapchat": "Snapchat", "cashapp": "Cash App"}
 
 
 def landings(messages):
@@ -23,13 +22,13 @@ def landings(messages):
 def scene(row):
     name, wallpaper, clock, app, sender, *messages = row
     messages = [message for message in messages if message]
-    app_id = app if app in APPS else "custom"
+    look = {"appId": app.replace(" ", "").lower(), "appLabel": app, "icon": app[:1]}
     return name, {
         "title": name,
         "wallpaper": wallpaper,
         "timeLabel": clock,
         "notifications": [
-            {"appId": app_id, "appLabel": APPS.get(app, app), "title": sender, "message": message, "delayMs": at}
+            look | {"title": sender, "message": message, "delayMs": at}
             for message, at in zip(messages, landings(messages))
         ],
     }

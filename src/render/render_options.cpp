@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+#include "model/catalogue.h"
+
 using namespace Qt::StringLiterals;
 
 namespace brisklet {
@@ -100,6 +102,11 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
 }
 
 QString renderUsage() {
+  const auto idsOf = [](const auto& rows) {
+    QStringList ids;
+    for (const auto& row : rows) ids.append(row.id);
+    return ids.join(u", "_s);
+  };
   return uR"(Makes a movie of notifications arriving on a lock screen from a scene file.
 
 Usage: brisklet-render SCENE.json [MOVIE.mp4] [--still PICTURE.png [--at SECONDS|end]]
@@ -116,9 +123,12 @@ Usage: brisklet-render SCENE.json [MOVIE.mp4] [--still PICTURE.png [--at SECONDS
   -h, --help            this text
   --version             the program's version
 
+Apps of a scene:        %1, custom
+Its wallpapers:         %2, custom
+
 A file that is there is replaced. Exit status: 0 all is made, 1 something could not be made, 2 wrong use,
 130 interrupted.
-)"_s;
+)"_s.arg(idsOf(AppPreset::all()), idsOf(Studio::wallpapers()));
 }
 
 }  // namespace brisklet
