@@ -20,15 +20,15 @@ INK, LINE, PAPER = (0x11, 0x11, 0x12), (0xe7, 0xe7, 0xe9), (0xf6, 0xf6, 0xf7)
 # Centres of controls in a window of 1320 x 860.
 EXPORT, PLAY, CLOSE = (1150, 26), (1068, 26), (1290, 26)
 TITLE = (120, 26)
-PHOTO_CHIP = (248, 118)
-INSTAGRAM, CASH_APP = (79, 219), (209, 219)
 STAGE = (288, 53, 744, 807)
 FIRST_ROW, REMOVE_FIRST = (1150, 130), (1275, 115)
 
 
-def add_ping(type_rows):
-    """The button below as many rows of message templates."""
-    return 144, 412 + 43 + 130 + 17 + (type_rows - 3) * 34
+# Centres of controls in the left column: x, and how far below or above which rule. The blocks between the rules are
+# as high as there are wallpapers, apps and templates.
+INSTAGRAM, CASH_APP = (79, 1, 62), (209, 1, 62)
+SECOND_TYPE = (207, 2, 58)
+DELAY, ADD_PING = (144, -1, -79), (144, -1, -35)
 
 
 def expect(condition, what):
@@ -38,6 +38,23 @@ def expect(condition, what):
 
 def is_near(color, other):
     return all(abs(a - b) <= 12 for a, b in zip(color, other))
+
+
+def click(studio, control):
+    x, rule, distance = control
+    studio.click(x, rules(studio)[rule] + distance)
+
+
+def rules(studio):
+    """The heights of the rules in the left column: below the top bar, and below each block."""
+    seen = studio.seen()
+    return [y for y in range(40, seen.height - 2) if is_near(seen.pixel(8, y), LINE)]
+
+
+def photo_chip(studio):
+    """The last chip of the first block."""
+    seen, y = studio.seen(), rules(studio)[1] - 39
+    return max(x for x in range(280) if not is_near(seen.pixel(x, y), PAPER)) - 22, y
 
 
 def movie_streams(path):
@@ -78,12 +95,12 @@ def make_a_movie(program, window_manager):
         empty = resting_stage(studio)
 
         # Pings of three apps, the last one of another template.
-        studio.click(*add_ping(3))
-        studio.click(*INSTAGRAM)
-        studio.click(*add_ping(4))
-        studio.click(*CASH_APP)
-        studio.click(18 + 123 + 6 + 60, 312)
-        studio.click(*add_ping(1))
+        click(studio, ADD_PING)
+        click(studio, INSTAGRAM)
+        click(studio, ADD_PING)
+        click(studio, CASH_APP)
+        click(studio, SECOND_TYPE)
+        click(studio, ADD_PING)
         three = resting_stage(studio)
         expect(three != empty, "Cards arrive on the stage.")
         expect(studio.seen().pixel(1150, 12) == INK, "Export is ready.")
@@ -91,7 +108,7 @@ def make_a_movie(program, window_manager):
         # The first one lands later; a fourth is added and removed.
         studio.click(*FIRST_ROW)
         expect(studio.seen().pixel(1050, 130) == INK, "The row is selected.")
-        studio.click(144, 412 + 43 + 130 + 21 + 17, times=3)
+        click(studio, DELAY)
         studio.key("ctrl+a")
         studio.type("1,25")
         studio.key("Escape")
@@ -100,11 +117,12 @@ def make_a_movie(program, window_manager):
         # A photo from the disk.
         photo = os.path.join(studio.home, "red.png")
         subprocess.run(["convert", "-size", "600x900", "xc:#c02020", photo], check=True)
-        studio.click(*PHOTO_CHIP)
+        chip = photo_chip(studio)
+        studio.click(*chip)
         studio.wait_for_dialog("Choose a lock screen photo")
         studio.type(photo)
         studio.key("Return")
-        studio.wait(lambda: is_near(studio.seen().pixel(*PHOTO_CHIP), (0xc0, 0x20, 0x20)), "The chip shows the photo.")
+        studio.wait(lambda: is_near(studio.seen().pixel(*chip), (0xc0, 0x20, 0x20)), "The chip shows the photo.")
         stored = os.path.join(studio.home, ".local/share/Brisklet")
         expect(len(os.listdir(stored)) == 1, "A copy of the photo is stored.")
 
