@@ -1,7 +1,6 @@
 # Completion of brisklet-render for fish.
 complete -c brisklet-render -f
-complete -c brisklet-render -n 'not __fish_seen_argument -l into' -k -a '(__fish_complete_suffix .json)'
-complete -c brisklet-render -n '__fish_seen_argument -l into' -k -a '(__fish_complete_suffix .json)'
+complete -c brisklet-render -k -a '(__fish_complete_suffix .json)'
 complete -c brisklet-render -l still -r -k -a '(__fish_complete_suffix .png)' -d 'Make one picture of the scene'
 complete -c brisklet-render -l at -x -a end -d 'The moment of the picture, in seconds'
 complete -c brisklet-render -l soundtrack -r -k -a '(__fish_complete_suffix .wav)' -d 'Write the sound as a WAV file'

@@ -1,5 +1,8 @@
 #compdef brisklet-render
 
+local -a files=('1:scene:_files -g "*.json(-.)"' '2:movie:_files -g "*.mp4(-.)"')
+(( ${words[(I)--into*]} )) && files=('*:scene:_files -g "*.json(-.)"')
+
 _arguments -s -S \
   '(--into)--still=[make one picture of the scene]:picture:_files -g "*.png(-.)"' \
   '(--into)--at=[the moment of the picture]:seconds:(end)' \
@@ -8,4 +11,4 @@ _arguments -s -S \
   '(-q --quiet)'{-q,--quiet}'[show no progress]' \
   '(- *)'{-h,--help}'[show the usage]' \
   '(- *)--version[show the version]' \
-  '*:file:_files -g "*.(json|mp4)(-.)"'
+  $files
