@@ -6,6 +6,8 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/error.h"
 #include "model/text.h"
@@ -165,15 +167,17 @@ QString positionOf(const QByteArray& json, std::size_t byte) {
   return u"line %1, column %2"_s.arg(line).arg(column);
 }
 
+/// A quotation of the scene, which may be very long.
+QString shortened(const QString& text) {
+  constexpr qsizetype longest = 200;
+  return text.size() > longest ? text.left(longest) + u"..."_s : text;
+}
+
 /// What went wrong, without the library's name for it and its own count of lines.
 QString reasonOf(const std::exception& error) {
   const QString text = QString::fromUtf8(error.what());
-  const qsizetype start = text.indexOf(u": ");
-  const QString reason = start < 0 ? text : text.mid(start + 2);
-  // The reason quotes what was read last, which may be very long.
-  constexpr qsizetype longestReason = 200;
-  const QString plain = reason.startsWith(u"syntax error ") ? reason.mid(13) : reason;
-  return plain.size() > longestReason ? plain.left(longestReason) + u"..."_s : plain;
+  const QString reason = text.mid(text.indexOf(u": ") + 2);
+  return shortened(reason.startsWith(u"syntax error ") ? reason.mid(13) : reason);
 }
 
 constexpr std::array documentKeys{"title",      "wallpaper", "wallpaperUrl", "dateLabel",    "timeLabel",
@@ -189,29 +193,92 @@ bool isKnownKey(const std::string& key, int depth) {
   return depth == 1 ? isIn(documentKeys) : isIn(pingKeys);
 }
 
-Json parse(const QByteArray& json) {
-  qsizetype values = 0;
-  // A ping has nine keys, and a value of the wrong type may hide more: enough for the largest document, far
-  // from what would hurt.
-  constexpr qsizetype maxValues = maxDocumentPings * 16;
-  const auto keep = [&values](int depth, Json::parse_event_t event, Json& parsed) {
-    using Event = Json::parse_event_t;
-    const bool opens = event == Event::object_start || event == Event::array_start;
-    if (opens && depth >= maxDocumentDepth)
-      throw Error(u"it is nested more than %1 levels deep"_s.arg(maxDocumentDepth));
-    if ((opens || event == Event::value) && ++values > maxValues)
-      throw Error(u"it holds more than %1 values"_s.arg(maxValues));
-    // What a document does not know is dropped before it takes memory, and time: each key that is kept is
-    // compared with all that its object has already.
-    return event != Event::key || isKnownKey(parsed.get_ref<const std::string&>(), depth);
-  };
-  try {
-    return Json::parse(json.begin(), json.end(), keep);
-  } catch (const nlohmann::json::parse_error& error) {
-    throw Error(u"it is not valid JSON at %1: %2"_s.arg(positionOf(json, error.byte), reasonOf(error)));
-  } catch (const nlohmann::json::out_of_range& error) {
-    throw Error(u"it holds a number that is too large: %1"_s.arg(reasonOf(error)));
+/// Builds the values that a document knows while the text is read. What it does not know is dropped before it
+/// takes memory. (The library's own builder with a filter looks at all former elements of an array after
+/// each.)
+class SceneBuilder final : public nlohmann::json_sax<Json> {
+ public:
+  explicit SceneBuilder(const QByteArray& text) : text_(text) {}
+
+  [[nodiscard]] Json takeRoot() { return std::move(root_); }
+
+  bool null() override { return put(nullptr); }
+  bool boolean(bool value) override { return put(value); }
+  bool number_integer(number_integer_t value) override { return put(value); }
+  bool number_unsigned(number_unsigned_t value) override { return put(value); }
+  bool number_float(number_float_t value, const string_t&) override { return put(value); }
+  bool string(string_t& value) override { return put(std::move(value)); }
+  bool binary(binary_t&) override { return false; }  // JSON has none
+  bool start_object(std::size_t) override { return open(Json::object()); }
+  bool end_object() override { return close(); }
+  bool start_array(std::size_t) override { return open(Json::array()); }
+  bool end_array() override { return close(); }
+
+  bool key(string_t& key) override {
+    if (dropped_ > 0) return true;
+    dropsNext_ = !isKnownKey(key, static_cast<int>(open_.size()));
+    if (!dropsNext_) member_ = &(*open_.back())[key];
+    return true;
   }
+
+  bool parse_error(std::size_t byte, const std::string& token, const Json::exception& error) override {
+    if (dynamic_cast<const Json::out_of_range*>(&error))
+      throw Error(u"it holds a number that is too large: %1"_s.arg(shortened(QString::fromUtf8(token))));
+    throw Error(u"it is not valid JSON at %1: %2"_s.arg(positionOf(text_, byte), reasonOf(error)));
+  }
+
+ private:
+  /// Where the value was put, or null if it was dropped.
+  Json* place(Json value) {
+    if (dropped_ > 0 || std::exchange(dropsNext_, false)) return nullptr;
+    // A ping has nine keys, and a value of the wrong type may hide more: enough for the largest document, far
+    // from what would hurt.
+    constexpr qsizetype maxValues = maxDocumentPings * 16;
+    if (++values_ > maxValues) throw Error(u"it holds more than %1 values"_s.arg(maxValues));
+    if (!open_.empty() && open_.back()->is_array())
+      return &open_.back()->get_ref<Json::array_t&>().emplace_back(std::move(value));
+    Json* const target = open_.empty() ? &root_ : member_;
+    *target = std::move(value);
+    return target;
+  }
+
+  bool put(Json value) {
+    place(std::move(value));
+    return true;
+  }
+
+  bool open(Json container) {
+    if (static_cast<int>(open_.size()) + dropped_ >= maxDocumentDepth)
+      throw Error(u"it is nested more than %1 levels deep"_s.arg(maxDocumentDepth));
+    if (Json* const placed = place(std::move(container)))
+      open_.push_back(placed);
+    else
+      ++dropped_;
+    return true;
+  }
+
+  bool close() {
+    if (dropped_ > 0)
+      --dropped_;
+    else
+      open_.pop_back();
+    return true;
+  }
+
+  const QByteArray& text_;
+  Json root_;
+  // From the root inwards. What one of them holds grows only when those in it are closed.
+  std::vector<Json*> open_;
+  Json* member_ = nullptr;  // the value of the key that was read last
+  int dropped_ = 0;         // open arrays and objects that are dropped
+  bool dropsNext_ = false;  // the value of the key that was read last is dropped
+  qsizetype values_ = 0;
+};
+
+Json parse(const QByteArray& json) {
+  SceneBuilder builder(json);
+  Json::sax_parse(json.begin(), json.end(), &builder);
+  return builder.takeRoot();
 }
 
 }  // namespace

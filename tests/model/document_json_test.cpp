@@ -120,6 +120,9 @@ TEST(DocumentJson, limitsHoldBeforeTheTextCostsMemory) {
             "notifications[0] must be an object");
   EXPECT_TRUE(
       decodingError("{\"notifications\": [" + QByteArray("0,").repeated(2000000) + "0]}").contains("values"));
+  // In a time that grows with the number of pings, and not with its square.
+  EXPECT_TRUE(decodingError("{\"notifications\": [" + QByteArray("{},").repeated(1000000) + "{}]}")
+                  .contains("pings"));
 }
 
 TEST(DocumentJson, keysWithoutMeaningCostNeitherMemoryNorTime) {
