@@ -2,9 +2,13 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QMessageBox>
 #include <QObject>
+#include <QPushButton>
+#include <QSplitter>
 #include <QStandardPaths>
+#include <QTreeView>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +27,17 @@ QString nameFilter(const QString& kind, const QStringList& suffixes) {
 QString standardFolder(QStandardPaths::StandardLocation location) {
   const QString folder = QStandardPaths::writableLocation(location);
   return QFileInfo(folder).isDir() ? folder : QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+}
+
+/// Gives names and places the room that they need, where the panel is not the desktop's own.
+void arrange(QFileDialog& dialog) {
+  const auto* files = dialog.findChild<QTreeView*>();
+  auto* columns = dialog.findChild<QSplitter*>();
+  if (!files || !columns) return;
+  dialog.resize(760, 500);
+  columns->setSizes({170, 560});
+  files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
 }
 
 class DesktopFilePanels final : public QObject, public FilePanels {
@@ -64,6 +79,7 @@ class DesktopFilePanels final : public QObject, public FilePanels {
     auto* dialog = new QFileDialog(window_, title, folder);
     dialog->setOption(QFileDialog::HideNameFilterDetails);
     dialog->setNameFilter(nameFilter(kind, suffixes));
+    arrange(*dialog);
     return dialog;
   }
 
@@ -88,9 +104,11 @@ class DesktopFilePanels final : public QObject, public FilePanels {
     if (!QFileInfo::exists(path)) return done(path);
 
     const QString name = QFileInfo(path).fileName();
-    auto* question = new QMessageBox(QMessageBox::Warning, panel.title,
-                                     u"%1 already exists.\nDo you want to replace it?"_s.arg(name),
+    auto* question = new QMessageBox(QMessageBox::NoIcon, panel.title, u"%1 already exists."_s.arg(name),
                                      QMessageBox::Yes | QMessageBox::No, window_);
+    question->setInformativeText(u"Do you want to replace it?"_s);
+    question->button(QMessageBox::Yes)->setText(u"Replace"_s);
+    question->button(QMessageBox::No)->setText(u"Cancel"_s);
     question->setDefaultButton(QMessageBox::No);
     connect(question, &QDialog::finished, this, [this, question, panel, path, name, done](int answer) {
       question->deleteLater();
