@@ -14,7 +14,7 @@ namespace brisklet {
 namespace {
 
 constexpr double thumbWidth = 6, inset = 3, leastThumb = 36;  // pt
-constexpr float restOpacity = 0.22F, activeOpacity = 0.42F;
+constexpr float restOpacity = 0.22F, hoveredOpacity = 0.42F, heldOpacity = 0.56F;
 
 }  // namespace
 
@@ -41,7 +41,7 @@ void SlimScrollBar::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   setUpPainter(painter);
   QColor color = Studio::ink;
-  color.setAlphaF(underMouse() || heldAt_ ? activeOpacity : restOpacity);
+  color.setAlphaF(heldAt_ ? heldOpacity : underMouse() ? hoveredOpacity : restOpacity);
   painter.setPen(Qt::NoPen);
   painter.setBrush(color);
   painter.drawRoundedRect(thumb(), thumbWidth / 2, thumbWidth / 2);

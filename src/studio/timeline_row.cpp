@@ -47,7 +47,7 @@ void TimelineRow::paint(QPainter& painter, const Look& look, AppGlyphCache& glyp
                          : look.isHovered || look.isPressed ? Studio::hoveredLine
                                                             : Studio::line;
   paintBox(painter, {row, radius, outline, look.isSelected ? 2.0 : 1.0}, Studio::white);
-  if (look.isPressed) paintBox(painter, {.rect = row, .radius = radius}, Studio::hoverVeil);
+  if (look.isPressed) paintBox(painter, {.rect = row, .radius = radius}, Studio::pressVeil);
 
   glyphs.paint(painter, {ping_, glyphSize, glyphRadius}, {margin, margin});
 
