@@ -81,6 +81,12 @@ QImage symbolSheet(const QString&) {
     sheet.add(enlarged(symbolLine(size, 1, names, night, Qt::white), 4), u"%1 pt"_s.arg(size));
     sheet.add(enlarged(symbolLine(size, 1, names, Qt::white, ink), 4), u"%1 pt"_s.arg(size));
   }
+  const QStringList dialogNames = {u"chevron.left"_s, u"chevron.right"_s, u"chevron.down"_s, u"arrow.up"_s,
+                                   u"folder"_s,       u"folder.plus"_s,   u"doc"_s,          u"list"_s,
+                                   u"square.grid"_s,  u"desktop"_s};
+  sheet.startRow(u"In dialogs, 16 pt"_s);
+  for (const double scale : {1.0, 2.0})
+    sheet.add(symbolLine(16, scale, dialogNames, Qt::white, ink), u"%1 pixels a point"_s.arg(scale));
   return sheet.image();
 }
 

@@ -34,19 +34,64 @@ double luminance(double red, double green, double blue) {
   return 0.2126 * linear(red) + 0.7152 * linear(green) + 0.0722 * linear(blue);
 }
 
-/// The least contrast of white text of this opacity anywhere in a part of a picture.
+/// The contrast of white text of this opacity with what it stands on.
+double textContrast(double red, double green, double blue, double opacity) {
+  const auto over = [opacity](double v) { return opacity + (1 - opacity) * v; };
+  return (luminance(over(red), over(green), over(blue)) + 0.05) / (luminance(red, green, blue) + 0.05);
+}
+
+/// The least contrast of white text of this opacity anywhere in a part of a picture where no text is.
 double leastContrast(const QImage& picture, const QRect& within, double opacity) {
   double least = 21;
   for (int y = within.top(); y <= within.bottom(); ++y) {
     for (int x = within.left(); x <= within.right(); ++x) {
       const QColor ground = picture.pixelColor(x, y);
-      const double r = ground.redF(), g = ground.greenF(), b = ground.blueF();
-      const auto over = [opacity](double v) { return opacity + (1 - opacity) * v; };
-      const double contrast = (luminance(over(r), over(g), over(b)) + 0.05) / (luminance(r, g, b) + 0.05);
-      least = std::min(least, contrast);
+      least = std::min(least, textContrast(ground.redF(), ground.greenF(), ground.blueF(), opacity));
     }
   }
   return least;
+}
+
+/// The same where white text is drawn, beside it: of the means of squares that keep off it. A square is about
+/// half as wide as the strokes of the smallest text: a star counts by its share.
+double leastContrastBeside(const QImage& picture, const QRect& within, double opacity) {
+  constexpr int reach = 2, distance = 2 * reach;
+  constexpr double ink = 0.5;  // luminance
+  double least = 21;
+  for (int y = within.top() + distance; y <= within.bottom() - distance; ++y) {
+    for (int x = within.left() + distance; x <= within.right() - distance; ++x) {
+      double red = 0, green = 0, blue = 0, brightest = 0;
+      for (int dy = -distance; dy <= distance; ++dy) {
+        for (int dx = -distance; dx <= distance; ++dx) {
+          const QColor ground = picture.pixelColor(x + dx, y + dy);
+          brightest = std::max(brightest, luminance(ground.redF(), ground.greenF(), ground.blueF()));
+          if (std::max(std::abs(dx), std::abs(dy)) > reach) continue;
+          red += ground.redF();
+          green += ground.greenF();
+          blue += ground.blueF();
+        }
+      }
+      constexpr double count = (2 * reach + 1) * (2 * reach + 1);
+      if (brightest <= ink)
+        least = std::min(least, textContrast(red / count, green / count, blue / count, opacity));
+    }
+  }
+  return least;
+}
+
+/// The least contrast of each text that stands on the wallpaper itself, beside it: the clock's glow counts.
+struct BareContrast {
+  double status, date, time;
+};
+BareContrast bareContrast(const SequenceDocument& document, CaptureMode mode, double scale) {
+  const QImage picture = lockScreen(document, mode, scale);
+  const LockScreenLayout layout = lockScreenLayout(document, 0);
+  const auto least = [&](const QRectF& points, double opacity) {
+    return leastContrastBeside(picture, QRectF(points.topLeft() * scale, points.size() * scale).toRect(),
+                               opacity);
+  };
+  return {least(layout.statusBar, 1), least(layout.date, LockScreenMetrics::dateOpacity),
+          least(layout.time, LockScreenMetrics::timeOpacity)};
 }
 
 /// The least contrast of each text that stands on plates: those of four cards where no text is drawn, and the
@@ -99,9 +144,16 @@ QRectF cardAreaWithRoom(int cards) {
 QImage wallpaperSheet(const QString&) {
   Sheet sheet(6);
   for (const Studio::Wallpaper& wallpaper : Studio::wallpapers()) {
-    for (const int cards : {0, 1, 5})
-      sheet.add(lockScreen(documentOn({{}, wallpaper.id, {}}, cards), CaptureMode::Capture, 1),
-                u"%1, %2 cards"_s.arg(wallpaper.label).arg(cards));
+    for (const int cards : {0, 1, 5}) {
+      const SequenceDocument document = documentOn({{}, wallpaper.id, {}}, cards);
+      QString caption = u"%1, %2 cards"_s.arg(wallpaper.label).arg(cards);
+      if (cards == 0) {
+        const BareContrast least = bareContrast(document, CaptureMode::Capture, captureScale);
+        caption += u": status %1, date %2, clock %3"_s.arg(number(least.status), number(least.date),
+                                                           number(least.time));
+      }
+      sheet.add(lockScreen(document, CaptureMode::Capture, 1), caption);
+    }
   }
   return sheet.image();
 }
@@ -113,7 +165,7 @@ QImage glassSheet(const QString& scratch) {
     sheet.startRow(mode == CaptureMode::Capture ? u"Captured: material"_s : u"Live: glass"_s);
     for (const Backdrop& backdrop : backdrops) {
       const SequenceDocument document = documentOn(backdrop, 5);
-      const PlateContrast least = plateContrast(document, mode, 1);
+      const PlateContrast least = plateContrast(document, mode, captureScale);
       sheet.add(lockScreen(document, mode, 1), u"%1: title %2, message %3, time %4, orb %5"_s.arg(
                                                    backdrop.name, number(least.title), number(least.message),
                                                    number(least.time), number(least.orb)));

@@ -7,7 +7,8 @@ namespace brisklet {
 
 // What the program shows, case by case. Sheets that need photos write them into `scratch`.
 
-/// Each built-in wallpaper with 0, 1 and 5 cards, captured, and as its chip.
+/// Each built-in wallpaper with 0, 1 and 5 cards, captured, with the least contrast of the texts that stand
+/// on it.
 [[nodiscard]] QImage wallpaperSheet(const QString& scratch);
 /// Plates over the wallpapers and over hard photos, captured and live, with the least contrast of their
 /// texts.
@@ -30,5 +31,7 @@ namespace brisklet {
 [[nodiscard]] QImage windowPicture(const QString& scratch);
 /// The studio's window in several states.
 [[nodiscard]] QImage studioSheet(const QString& scratch);
+/// Tooltips, menus and dialogs, which the toolkit draws in the studio's style.
+[[nodiscard]] QImage dialogSheet(const QString& scratch);
 
 }  // namespace brisklet
