@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Takes the pictures of the studio for the documents from the real program.
+"""Takes the documents' picture of the studio from the real program, with some pings of which one is selected.
 
-take_screenshots.py PROGRAM FOLDER
+take_screenshot.py PROGRAM PICTURE
 """
 
 import os
@@ -9,8 +9,6 @@ import sys
 import time
 
 from studio_session import StudioSession
-
-SCALE = 2
 
 # Centres of the app chips and of the message templates' columns, and the height of the first template row.
 APPS = {"tiktok": 36, "instagram": 79, "messages": 122, "snapchat": 166, "cashapp": 209}
@@ -44,34 +42,15 @@ def compose(studio):
     studio.move(660, 840)
 
 
-def take(program, folder, name, wallpaper, then):
-    size = (1400 * SCALE, 950 * SCALE)
-    with StudioSession(program, size=size, scale=SCALE) as studio:
-        studio.click(40 + 52 * wallpaper, 118)
+def main():
+    program, path = sys.argv[1:]
+    with StudioSession(os.path.abspath(program)) as studio:
         compose(studio)
-        then(studio)
-        path = os.path.join(folder, name)
+        studio.click(1150, 97 + 43 + 2 * 76)
+        studio.move(660, 840)
+        time.sleep(1.5)
         studio.save(path)
         print(path)
-
-
-def select_third(studio):
-    studio.click(1150, 97 + 43 + 2 * 76)
-    studio.move(660, 840)
-    time.sleep(1.5)
-
-
-def play_into_the_third(studio):
-    studio.click(1068, 26)
-    studio.move(660, 840)
-    time.sleep(1.75)
-
-
-def main():
-    program, folder = os.path.abspath(sys.argv[1]), sys.argv[2]
-    os.makedirs(folder, exist_ok=True)
-    take(program, folder, "studio.png", 0, select_third)
-    take(program, folder, "studio-playing.png", 1, play_into_the_third)
 
 
 if __name__ == "__main__":
