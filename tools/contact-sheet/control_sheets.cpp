@@ -331,16 +331,6 @@ QImage controlSheet(const QString&) {
   return sheet.image();
 }
 
-QImage windowPicture(const QString&) {
-  const auto window = makeWindow();
-  StudioView& view = window->view();
-  view.setTitle(u"Launch day"_s);
-  addPings(view, 5);
-  view.selectPing(view.document().notifications.at(1));
-  settleCards();
-  return pictureOf(*window, 1);
-}
-
 QImage studioSheet(const QString&) {
   const auto longTexts = [](StudioWindow& window) {
     StudioView& view = window.view();

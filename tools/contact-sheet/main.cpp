@@ -19,7 +19,7 @@ const NamedSheet sheets[] = {
     {"wallpapers", wallpaperSheet}, {"glass", glassSheet},      {"rims", rimSheet},
     {"scripts", scriptSheet},       {"arrival", arrivalSheet},  {"symbols", symbolSheet},
     {"icons", iconSheet},           {"controls", controlSheet}, {"studio", studioSheet},
-    {"dialogs", dialogSheet},       {"window", windowPicture},
+    {"dialogs", dialogSheet},
 };
 
 }  // namespace

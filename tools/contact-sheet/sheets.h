@@ -27,8 +27,6 @@ namespace brisklet {
 
 /// Each control of the studio in each of its states.
 [[nodiscard]] QImage controlSheet(const QString& scratch);
-/// The studio's window with a few pings.
-[[nodiscard]] QImage windowPicture(const QString& scratch);
 /// The studio's window in several states.
 [[nodiscard]] QImage studioSheet(const QString& scratch);
 /// Tooltips, menus and dialogs, which the toolkit draws in the studio's style.
