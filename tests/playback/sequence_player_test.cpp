@@ -3,81 +3,56 @@
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
-#include <QTest>
-#include <cmath>
-#include <memory>
 
 namespace brisklet {
 namespace {
 
 SequenceDocument documentWithPingAt(double delayMs) {
   SequenceDocument document = SequenceDocument::blank();
-  Ping ping;
-  ping.id = "a";
-  ping.delayMs = delayMs;
-  document.notifications.append(ping);
+  document.notifications.emplaceBack();
+  document.notifications.last().delayMs = delayMs;
   return document;
 }
 
-/// A player whose time is set by hand.
+/// Whether a player plays, and its elapsed time.
+using State = std::pair<bool, double>;
+constexpr State finished{false, SequencePlayer::finishedMs};
+
+/// A player whose time is set by hand; its run takes 2500 ms.
 struct PlayerTest : testing::Test {
   double nowMs = 5000;
   SequencePlayer player{documentWithPingAt(700), [this] { return nowMs; }};
 
-  void tickAt(double sinceStartMs) {
-    nowMs = 5000 + sinceStartMs;
+  [[nodiscard]] State state() const { return {player.isPlaying(), player.elapsedMs()}; }
+  State stateAfter(double ms) {
+    nowMs += ms;
     player.tick();
+    return state();
   }
 };
 
-TEST_F(PlayerTest, aNewPlayerShowsTheFinishedSequence) {
-  EXPECT_FALSE(player.isPlaying());
-  EXPECT_EQ(player.elapsedMs(), SequencePlayer::finishedMs);
-  tickAt(100);
-  EXPECT_EQ(player.elapsedMs(), SequencePlayer::finishedMs);
-}
-
 TEST_F(PlayerTest, aRunMeasuresTheClockAndEndsFinished) {
+  EXPECT_EQ(stateAfter(100), finished) << "as long as nothing was played";
   player.play();
-  EXPECT_TRUE(player.isPlaying());
-  EXPECT_EQ(player.elapsedMs(), 0);
-  tickAt(1234.5);
-  EXPECT_EQ(player.elapsedMs(), 1234.5);
-  tickAt(2499.9);
-  EXPECT_TRUE(player.isPlaying());
+  EXPECT_EQ(state(), State(true, 0));
+  EXPECT_EQ(stateAfter(1234.5), State(true, 1234.5));
+  player.setDocument(documentWithPingAt(60000));  // moves no end
+  EXPECT_EQ(stateAfter(1265), State(true, 2499.5));
 
   QList<double> seen;
   QObject::connect(&player, &SequencePlayer::elapsedMsChanged, [&] { seen.append(player.elapsedMs()); });
-  tickAt(2500);
-  EXPECT_FALSE(player.isPlaying());
+  EXPECT_EQ(stateAfter(0.5), finished);
   EXPECT_EQ(seen, (QList<double>{2500, SequencePlayer::finishedMs}));
 }
 
-TEST_F(PlayerTest, stoppingKeepsTheMomentAndLaterTicksChangeNothing) {
+TEST_F(PlayerTest, stoppingKeepsTheMomentAndPlayingStartsFromTheBeginning) {
   player.play();
-  tickAt(1234);
+  stateAfter(1000);
+  player.play();
+  EXPECT_EQ(state(), State(true, 0));
+  EXPECT_EQ(stateAfter(500), State(true, 500));
   player.stop();
-  tickAt(1300);
-  EXPECT_EQ(player.elapsedMs(), 1234);
-  EXPECT_FALSE(player.isPlaying());
-}
-
-TEST_F(PlayerTest, playingAgainStartsFromTheBeginning) {
-  player.play();
-  tickAt(1000);
-  player.play();
-  EXPECT_EQ(player.elapsedMs(), 0);
-  tickAt(1500);
-  EXPECT_EQ(player.elapsedMs(), 500);
-}
-
-TEST_F(PlayerTest, aDocumentHandedOverDuringARunDoesNotMoveItsEnd) {
-  player.play();
-  tickAt(100);
-  player.setDocument(documentWithPingAt(60000));
-  EXPECT_TRUE(player.isPlaying());
-  tickAt(2500);
-  EXPECT_FALSE(player.isPlaying());
+  EXPECT_EQ(stateAfter(100), State(false, 500));
 }
 
 TEST_F(PlayerTest, onlyChangedValuesAreAnnounced) {
@@ -89,9 +64,7 @@ TEST_F(PlayerTest, onlyChangedValuesAreAnnounced) {
   player.stop();
   EXPECT_EQ(elapsed.size() + documents.size() + playing.size(), 0);
 
-  SequenceDocument looping = documentWithPingAt(700);
-  looping.loop = true;
-  player.setDocument(looping);
+  player.setDocument(documentWithPingAt(701));
   player.setElapsedMs(33);
   EXPECT_EQ(elapsed.size(), 1);
   EXPECT_EQ(documents.size(), 1);
@@ -102,14 +75,11 @@ TEST_F(PlayerTest, anObserverMayStopTheRunOrStartAnotherAtItsLastTick) {
   const auto connection = QObject::connect(&player, &SequencePlayer::elapsedMsChanged, [this] {
     if (player.elapsedMs() == 2500) player.play();
   });
-  tickAt(2500);
-  EXPECT_TRUE(player.isPlaying());
-  EXPECT_EQ(player.elapsedMs(), 0);
+  EXPECT_EQ(stateAfter(2500), State(true, 0));
   QObject::disconnect(connection);
 
   QObject::connect(&player, &SequencePlayer::elapsedMsChanged, [this] { player.stop(); });
-  tickAt(2600);
-  EXPECT_EQ(player.elapsedMs(), 100);
+  EXPECT_EQ(stateAfter(2500), State(false, 2500));
 }
 
 TEST(SequencePlayer, ticksByItselfOnTheEventLoop) {
@@ -119,18 +89,7 @@ TEST(SequencePlayer, ticksByItselfOnTheEventLoop) {
   QSignalSpy playing(&player, &SequencePlayer::isPlayingChanged);
   player.play();
   ASSERT_TRUE(playing.wait(5000));
-  EXPECT_FALSE(player.isPlaying());
-  EXPECT_EQ(player.elapsedMs(), SequencePlayer::finishedMs);
-}
-
-TEST(SequencePlayer, discardedDuringARunItTicksNoMore) {
-  auto player = std::make_unique<SequencePlayer>(SequenceDocument::blank());
-  bool ticked = false;
-  player->play();
-  QObject::connect(player.get(), &SequencePlayer::elapsedMsChanged, [&ticked] { ticked = true; });
-  player.reset();
-  QTest::qWait(50);
-  EXPECT_FALSE(ticked);
+  EXPECT_EQ(State(player.isPlaying(), player.elapsedMs()), finished);
 }
 
 }  // namespace
