@@ -24,44 +24,42 @@ namespace {
 constexpr double samplesPerMs = AudioSource::sampleRate / 1000.0;
 
 /// PulseAudio with a loudspeaker that nobody hears, apart from the session's own.
-class SoundServer {
- public:
-  SoundServer() {
-    qputenv("PULSE_SERVER", "unix:" + socket().toUtf8());
-    qputenv("PULSE_COOKIE", folder_.filePath(u"cookie"_s).toUtf8());
+struct SoundServerTest : testing::Test {
+  void SetUp() override {
+    for (const QString& program : {u"pulseaudio"_s, u"parec"_s}) {
+      if (QStandardPaths::findExecutable(program).isEmpty())
+        GTEST_SKIP() << "pulseaudio and pulseaudio-utils are not installed";
+    }
+    qputenv("PULSE_SERVER", "unix:" + socket.toUtf8());
+    qputenv("PULSE_COOKIE", folder.filePath(u"cookie"_s).toUtf8());
+    ASSERT_TRUE(start());
   }
-  ~SoundServer() { kill(); }
-
-  [[nodiscard]] static bool isInstalled() {
-    return !QStandardPaths::findExecutable(u"pulseaudio"_s).isEmpty() &&
-           !QStandardPaths::findExecutable(u"parec"_s).isEmpty();
-  }
+  ~SoundServerTest() override { kill(); }
 
   bool start() {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* folder : {"HOME", "XDG_RUNTIME_DIR", "PULSE_RUNTIME_PATH"})
-      environment.insert(QString::fromLatin1(folder), folder_.path());
-    daemon_.setProcessEnvironment(environment);
-    daemon_.setProcessChannelMode(QProcess::MergedChannels);
-    daemon_.start(u"pulseaudio"_s,
-                  {u"-n"_s, u"--daemonize=no"_s, u"--use-pid-file=no"_s, u"--exit-idle-time=-1"_s, u"-L"_s,
-                   u"module-null-sink sink_name=out rate=44100 channels=2 format=s16le"_s, u"-L"_s,
-                   u"module-native-protocol-unix auth-anonymous=1 socket="_s + socket()});
-    return daemon_.waitForStarted() && QTest::qWaitFor([] { return answers(); }, 20000);
+    for (const QString& variable : {u"HOME"_s, u"XDG_RUNTIME_DIR"_s, u"PULSE_RUNTIME_PATH"_s})
+      environment.insert(variable, folder.path());
+    daemon.setProcessEnvironment(environment);
+    daemon.setProcessChannelMode(QProcess::MergedChannels);
+    daemon.start(u"pulseaudio"_s,
+                 {u"-n"_s, u"--daemonize=no"_s, u"--use-pid-file=no"_s, u"--exit-idle-time=-1"_s, u"-L"_s,
+                  u"module-null-sink sink_name=out rate=44100 channels=2 format=s16le"_s, u"-L"_s,
+                  u"module-native-protocol-unix auth-anonymous=1 socket="_s + socket});
+    const auto answers = [] {
+      return QProcess::execute(u"pactl"_s, {u"list"_s, u"short"_s, u"sinks"_s}) == 0;
+    };
+    return daemon.waitForStarted() && QTest::qWaitFor(answers, 20000);
   }
-
   void kill() {
-    daemon_.kill();
-    daemon_.waitForFinished();
-    QFile::remove(socket());
+    daemon.kill();
+    daemon.waitForFinished();
+    QFile::remove(socket);
   }
 
- private:
-  [[nodiscard]] QString socket() const { return folder_.filePath(u"native"_s); }
-  static bool answers() { return QProcess::execute(u"pactl"_s, {u"list"_s, u"short"_s, u"sinks"_s}) == 0; }
-
-  QTemporaryDir folder_;
-  QProcess daemon_;
+  QTemporaryDir folder;
+  QString socket = folder.filePath(u"native"_s);
+  QProcess daemon;
 };
 
 /// What the loudspeaker gets, from the construction on.
@@ -95,32 +93,25 @@ bool isSound(int sample) {
   return std::abs(sample) > 2;
 }
 
-std::vector<int> toneSamples(const QString& appId) {
-  std::vector<int> samples;
+/// Takes a tone away from a recording, where it fits best from one sample to another, and returns that place.
+std::size_t takeAway(std::vector<int>& recorded, const QString& appId, double from, double to) {
+  std::vector<int> tone;
   for (const float sample : NotificationSounds::rendered(appId))
-    samples.push_back(NotificationSounds::pcm16(sample));
-  return samples;
-}
-
-/// Where between two samples of the recording the tone fits best.
-std::size_t bestPlace(const std::vector<int>& recorded, const std::vector<int>& tone, std::size_t from,
-                      std::size_t to) {
-  std::size_t best = from;
-  double bestFit = -1;
-  for (std::size_t at = from; at < std::min(to, recorded.size()); ++at) {
-    double fit = 0;
+    tone.push_back(NotificationSounds::pcm16(sample));
+  const auto forEachSample = [&](std::size_t at, auto&& action) {
     for (std::size_t i = 0; i < tone.size() && at + i < recorded.size(); ++i)
-      fit += static_cast<double>(tone[i]) * recorded[at + i];
-    if (fit > bestFit) {
-      bestFit = fit;
-      best = at;
-    }
+      action(recorded[at + i], tone[i]);
+  };
+  std::size_t best = 0;
+  double bestFit = -1;
+  for (auto at = static_cast<std::size_t>(std::max(0.0, from)); static_cast<double>(at) < to; ++at) {
+    double fit = 0;
+    forEachSample(at, [&fit](int heard, int meant) { fit += static_cast<double>(heard) * meant; });
+    if (fit > bestFit) best = at;
+    bestFit = std::max(fit, bestFit);
   }
+  forEachSample(best, [](int& heard, int meant) { heard -= meant; });
   return best;
-}
-
-void takeAway(std::vector<int>& recorded, const std::vector<int>& tone, std::size_t at) {
-  for (std::size_t i = 0; i < tone.size() && at + i < recorded.size(); ++i) recorded[at + i] -= tone[i];
 }
 
 /// Notes when each tone was asked for, which is when its card appears.
@@ -133,14 +124,6 @@ struct TimedTones : TonePlayer {
   }
   TonePlayer& player;
   QList<std::pair<QString, double>> cards;
-};
-
-struct SoundServerTest : testing::Test {
-  void SetUp() override {
-    if (!SoundServer::isInstalled()) GTEST_SKIP() << "pulseaudio and pulseaudio-utils are not installed";
-    ASSERT_TRUE(server.start());
-  }
-  SoundServer server;
 };
 
 /// Plays a sequence and says what was wrong with its sound; nothing when all was right.
@@ -168,25 +151,20 @@ QString faultOfAPlayedSequence() {
   std::vector<int> recorded = recording.samples();
   const auto first = std::find_if(recorded.begin(), recorded.end(), isSound);
   if (first == recorded.end()) return u"There was no sound."_s;
-  const auto firstAt = static_cast<std::size_t>(first - recorded.begin());
-  const double firstCardMs = tones.cards.first().second;
-  constexpr double toleranceMs = 50;
+  const auto firstAt = static_cast<double>(first - recorded.begin());
+  constexpr double toleranceMs = 50, reach = 2 * toleranceMs * samplesPerMs;
   for (const auto& [appId, cardMs] : tones.cards) {
-    const std::vector<int> tone = toneSamples(appId);
-    const double expected = static_cast<double>(firstAt) + (cardMs - firstCardMs) * samplesPerMs;
-    const std::size_t at = bestPlace(
-        recorded, tone, static_cast<std::size_t>(std::max(0.0, expected - 2 * toleranceMs * samplesPerMs)),
-        static_cast<std::size_t>(expected + 2 * toleranceMs * samplesPerMs));
-    const double lateMs = (static_cast<double>(at) - expected) / samplesPerMs;
+    const double expected = firstAt + (cardMs - tones.cards.first().second) * samplesPerMs;
+    const auto at = static_cast<double>(takeAway(recorded, appId, expected - reach, expected + reach));
+    const double lateMs = (at - expected) / samplesPerMs;
     if (std::abs(lateMs) > toleranceMs)
       return u"%1 sounded %2 ms after its card, counted from the first."_s.arg(appId).arg(lateMs);
-    takeAway(recorded, tone, at);
   }
   // Once every tone is taken away whole, nothing may be left: no gap, no cut, no repeat.
   const auto rest = std::find_if(recorded.begin(), recorded.end(), isSound);
   if (rest != recorded.end())
     return u"Something else sounded %1 ms after the first tone."_s.arg(
-        (static_cast<double>(rest - recorded.begin()) - static_cast<double>(firstAt)) / samplesPerMs);
+        (static_cast<double>(rest - recorded.begin()) - firstAt) / samplesPerMs);
   return {};
 }
 
@@ -205,27 +183,26 @@ TEST_F(SoundServerTest, soundComesBackWithAServerThatWasKilled) {
   NotificationSoundPlayer player(makeAudioOutput);
   player.play(u"tiktok"_s);
   QTest::qWait(50);
-  server.kill();
+  kill();
   for (int i = 0; i < 5; ++i) {
     player.play(u"messages"_s);
     QTest::qWait(30);
   }
-  ASSERT_TRUE(server.start());
+  ASSERT_TRUE(start());
   Recording recording;
   player.prepare();
   QTest::qWait(200);
   player.play(u"cashapp"_s);
-  const std::vector<int> tone = toneSamples(u"cashapp"_s);
   std::vector<int> recorded;
-  const auto hasSounded = [&] {
-    recorded = recording.samples();
-    const auto first = std::find_if(recorded.begin(), recorded.end(), isSound);
-    return recorded.end() - first > std::ssize(tone);
-  };
-  ASSERT_TRUE(QTest::qWaitFor(hasSounded, 20000));
-  const auto first = std::find_if(recorded.begin(), recorded.end(), isSound) - recorded.begin();
-  const std::size_t from = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, first - 500));
-  takeAway(recorded, tone, bestPlace(recorded, tone, from, from + 1000));
+  std::ptrdiff_t first = 0;
+  ASSERT_TRUE(QTest::qWaitFor(
+      [&] {
+        recorded = recording.samples();
+        first = std::find_if(recorded.begin(), recorded.end(), isSound) - recorded.begin();
+        return std::ssize(recorded) - first > std::ssize(NotificationSounds::rendered(u"cashapp"_s));
+      },
+      20000));
+  takeAway(recorded, u"cashapp"_s, static_cast<double>(first) - 500, static_cast<double>(first) + 500);
   EXPECT_TRUE(std::none_of(recorded.begin(), recorded.end(), isSound)) << "tones of the dead time sound late";
 }
 
