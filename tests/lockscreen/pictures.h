@@ -4,7 +4,6 @@
 #include <QImage>
 #include <QString>
 #include <algorithm>
-#include <cmath>
 
 #include "lockscreen/lock_screen_view.h"
 #include "model/catalogue.h"
@@ -50,17 +49,15 @@ inline int greatestDifference(const QImage& a, const QImage& b, const QRect& wit
   return greatest;
 }
 
-/// Relative luminance as the web's accessibility guidelines (WCAG 2) define it.
-inline double luminanceOf(double red, double green, double blue) {
-  const auto linear = [](double v) { return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
-  return 0.2126 * linear(red) + 0.7152 * linear(green) + 0.0722 * linear(blue);
-}
-
-/// The contrast of white text of this opacity with what it stands on.
-inline double textContrast(const QColor& ground, double opacity) {
-  const auto over = [opacity](double v) { return opacity + (1 - opacity) * v; };
-  const double r = ground.redF(), g = ground.greenF(), b = ground.blueF();
-  return (luminanceOf(over(r), over(g), over(b)) + 0.05) / (luminanceOf(r, g, b) + 0.05);
+/// The box of the pixels within a rectangle that are ink.
+template <class IsInk>
+QRect inkBox(const QImage& image, const QRect& within, IsInk isInk) {
+  QRect box;
+  for (int y = within.top(); y <= within.bottom(); ++y) {
+    for (int x = within.left(); x <= within.right(); ++x)
+      if (isInk(image.pixelColor(x, y))) box |= QRect(x, y, 1, 1);
+  }
+  return box;
 }
 
 }  // namespace brisklet
