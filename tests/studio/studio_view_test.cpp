@@ -11,26 +11,21 @@
 #include <random>
 
 #include "base/error.h"
-#include "model/text.h"
 #include "platform/file_manager.h"
 #include "platform/file_panels.h"
 #include "sound/tone_player.h"
 #include "support/printing.h"
 
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace brisklet {
 namespace {
 
-struct RecordedTones : TonePlayer {
+/// What is outside the editor: records what it is asked for. Panels stay open until the test answers.
+struct Outside : TonePlayer, FilePanels, FileManager {
   void prepare() override {}
   void play(const QString& appId) override { played.append(appId); }
-  QStringList played;
-};
-
-/// Panels that stay open until the test answers.
-struct HeldPanels : FilePanels {
+  void reveal(const QString& path) override { revealed.append(path); }
   void save(const SavePanel& panel, Done done) override {
     saves.append(panel);
     pending = std::move(done);
@@ -41,312 +36,235 @@ struct HeldPanels : FilePanels {
   }
   void answer(const std::optional<QString>& path) { std::exchange(pending, {})(path); }
 
+  QStringList played, revealed;
   QList<SavePanel> saves;
   QList<OpenPanel> opens;
   Done pending;
-};
-
-struct RecordedFileManager : FileManager {
-  void reveal(const QString& path) override { revealed.append(path); }
-  QStringList revealed;
 };
 
 struct StudioViewTest : testing::Test {
   /// An export that goes on until the test ends it or it is stopped.
   QCoro::Task<> exportUntilTold(SequenceDocument document, QString path, StudioView::Progress progress,
                                 std::stop_token stop) {
-    exported.append(document);
-    exportPath = path;
+    exported.append({document, path});
     reportProgress = progress;
     while (!exportEnds) {
       co_await QCoro::sleepFor(1ms);
-      if (stop.stop_requested()) throw Error(u"Stopped."_s);
+      if (stop.stop_requested()) throw Error("Stopped.");
     }
     if (!exportFailure.isEmpty()) throw Error(exportFailure);
   }
 
   StudioView::Services services() {
     return {
-        .tones = &tones,
-        .panels = &panels,
-        .fileManager = &fileManager,
-        .exportMovie =
-            [this](SequenceDocument document, QString path, StudioView::Progress progress,
-                   std::stop_token stop) {
-              return exportUntilTold(std::move(document), std::move(path), std::move(progress),
-                                     std::move(stop));
-            },
+        .tones = &outside,
+        .panels = &outside,
+        .fileManager = &outside,
+        .exportMovie = std::bind_front(&StudioViewTest::exportUntilTold, this),
         .decodeImage = [](const QString& path) -> std::optional<QImage> {
-          if (path.endsWith(u"broken.png")) return {};
+          if (path.endsWith("broken.png")) return {};
           return QImage(2, 2, QImage::Format_RGB32);
         },
-        .imageSuffixes = {u"jpg"_s, u"png"_s},
+        .imageSuffixes = {"jpg", "png"},
         .saveWallpaper =
             [this](const QImage&) {
               if (!storeFailure.isEmpty()) throw Error(storeFailure);
-              return u"/stored/%1.jpg"_s.arg(++storedPhotos);
+              return QString("/stored/%1.jpg").arg(++storedPhotos);
             },
         .clock = [this] { return nowMs; },
     };
   }
 
   [[nodiscard]] const QList<Ping>& pings() const { return view->document().notifications; }
-  [[nodiscard]] const Ping& ping(qsizetype index) const { return view->document().notifications[index]; }
+  [[nodiscard]] const Ping& ping(qsizetype index) const { return pings()[index]; }
+  /// What new pings are made from.
+  [[nodiscard]] QString choices() const {
+    const QStringList parts{view->selectedAppId(), view->selectedTypeId(), view->customAppLabel(),
+                            view->draftTitle(), view->draftMessage()};
+    return parts.join(" | ");
+  }
+  void expectBlankSequence() const {
+    EXPECT_EQ(view->document(), SequenceDocument::blank());
+    EXPECT_EQ(choices(), "tiktok | like | App | @maya | liked your video.");
+    EXPECT_FALSE(view->selectedPingId());
+    EXPECT_EQ(view->delayText(), "");
+    EXPECT_EQ(view->error(), "");
+    EXPECT_EQ(view->summary(), "No pings");
+    EXPECT_FALSE(view->canPlay() || view->canExport() || view->isPlaying());
+    EXPECT_EQ(view->player()->elapsedMs(), SequencePlayer::finishedMs);
+  }
   void addPings(int count) {
     for (int i = 0; i < count; ++i) view->addPing();
   }
   /// Adds a ping that lands at a time, and leaves it unselected.
-  void addPingAt(const QString& seconds, const QString& appId = u"tiktok"_s) {
+  void addPingAt(const QString& seconds, const QString& appId) {
     view->pickApp(appId);
     view->addPing();
     view->selectPing(pings().last());
     view->setDelayText(seconds);
     view->clearSelection();
   }
-  void tickAt(double elapsedMs) {
+  /// The tones that sound up to this moment of the run, since the last look.
+  QString tonesUntil(double elapsedMs) {
     nowMs = 1000 + elapsedMs;
     view->player()->tick();
     settle();
+    return std::exchange(outside.played, {}).join(' ');
   }
   /// Lets the reactions run that come after a change.
   static void settle() { QCoreApplication::sendPostedEvents(); }
-  static const PingType& type(const QString& appId, const QString& id) {
-    const QList<PingType>& types = PingType::types(appId);
-    return *std::find_if(types.begin(), types.end(), [&](const PingType& t) { return t.id == id; });
+  void beginExport(const QString& path) {
+    view->exportMovie();
+    outside.answer(path);
   }
   bool exportEnded() {
     return QTest::qWaitFor([this] { return !view->exporting(); });
   }
 
+  const PingType viral = PingType::types("tiktok")[5];
   double nowMs = 1000;
-  RecordedTones tones;
-  HeldPanels panels;
-  RecordedFileManager fileManager;
-  QList<SequenceDocument> exported;
-  QString exportPath;
+  Outside outside;
+  QList<std::pair<SequenceDocument, QString>> exported;
   StudioView::Progress reportProgress;
   bool exportEnds = false;
-  QString exportFailure;
-  QString storeFailure;
+  QString exportFailure, storeFailure;
   int storedPhotos = 0;
   std::unique_ptr<StudioView> view = std::make_unique<StudioView>(services());
 };
 
-TEST_F(StudioViewTest, opensOnTheBlankSequence) {
-  EXPECT_EQ(view->document(), SequenceDocument::blank());
-  EXPECT_EQ(view->selectedAppId(), u"tiktok");
-  EXPECT_EQ(view->selectedTypeId(), u"like");
-  EXPECT_EQ(view->customAppLabel(), u"App");
-  EXPECT_EQ(view->draftTitle(), u"@maya");
-  EXPECT_EQ(view->draftMessage(), u"liked your video.");
-  EXPECT_FALSE(view->selectedPingId());
-  EXPECT_FALSE(view->exporting());
-  EXPECT_EQ(view->error(), u"");
-  EXPECT_EQ(view->summary(), u"No pings");
-  EXPECT_EQ(view->delayText(), u"");
-  EXPECT_FALSE(view->canPlay());
-  EXPECT_FALSE(view->canExport());
-  EXPECT_FALSE(view->player()->isPlaying());
-  EXPECT_EQ(view->player()->elapsedMs(), SequencePlayer::finishedMs);
-}
-
-TEST_F(StudioViewTest, theFirstPingIsMadeFromTheFirstChoices) {
-  view->addPing();
-  Ping expected{.id = ping(0).id,
-                .appId = u"tiktok"_s,
-                .appLabel = u"TikTok"_s,
-                .icon = u"♪"_s,
-                .color = u"#111111"_s,
-                .title = u"@maya"_s,
-                .message = u"liked your video."_s,
-                .delayMs = 700,
-                .sound = {}};
-  EXPECT_EQ(ping(0), expected);
-  EXPECT_EQ(ping(0).id.size(), 36);
-  EXPECT_EQ(ping(0).id, ping(0).id.toUpper());
-  EXPECT_FALSE(view->selectedPingId());
-  EXPECT_EQ(view->summary(), u"1 ping · 2.5s");
-  EXPECT_TRUE(tones.played.isEmpty());
-}
-
-TEST_F(StudioViewTest, pingsLandAfterTheLastInTheListNotTheLatest) {
+TEST_F(StudioViewTest, pingsAreMadeFromTheChoicesAndLandAfterTheLastInTheList) {
+  expectBlankSequence();
   addPings(3);
-  EXPECT_EQ(ping(2).delayMs, 2100);
-  EXPECT_NE(ping(0).id, ping(1).id);
-  EXPECT_EQ(view->summary(), u"3 pings · 3.9s");
+  EXPECT_EQ(ping(2),
+            (Ping{ping(2).id, "tiktok", "TikTok", "♪", "#111111", "@maya", "liked your video.", 2100, {}}));
+  EXPECT_EQ(ping(2).id.size(), 36);
+  EXPECT_EQ(ping(2).id, ping(2).id.toUpper());
+  EXPECT_EQ(view->summary(), "3 pings · 3.9s");
   view->selectPing(ping(0));
-  view->setDelayText(u"3"_s);
+  view->setDelayText("3");
   view->selectPing(ping(2));
-  view->setDelayText(u"0,5"_s);
+  view->setDelayText("0,5");
   view->addPing();
-  EXPECT_EQ(ping(3).delayMs, 1200);
+  EXPECT_EQ(ping(3).delayMs, 1200) << "after the last in the list, not the latest";
   EXPECT_FALSE(view->selectedPingId());
+  EXPECT_EQ(view->summary(), "4 pings · 4.8s");
+  EXPECT_TRUE(outside.played.isEmpty());
 }
 
 TEST_F(StudioViewTest, aCustomAppTakesItsNameAndIconFromTheField) {
-  const struct {
-    QString typed, label, icon;
-  } cases[] = {
-      {u"zed"_s, u"zed"_s, u"Z"_s},
-      {u" zed"_s, u" zed"_s, u" "_s},
-      {u"   "_s, u"App"_s, u"A"_s},
-      {u""_s, u"App"_s, u"A"_s},
-      {u"\n\t"_s, u"App"_s, u"A"_s},
-      {u"ßa"_s, u"ßa"_s, u"SS"_s},
-      {u"e\u0301a"_s, u"e\u0301a"_s, u"E\u0301"_s},
-      {u"👩‍👧x"_s, u"👩‍👧x"_s, u"👩‍👧"_s},
+  const QString cases[][3] = {
+      {"zed", "zed", "Z"},
+      {" zed", " zed", " "},
+      {"   ", "App", "A"},
+      {"", "App", "A"},
+      {"\n\t", "App", "A"},
+      {"ßa", "ßa", "SS"},
+      {"👩‍👧x", "👩‍👧x", "👩‍👧"},
+      {"e\u0301a", "e\u0301a", "E\u0301"},
   };
-  view->pickCustomApp();
-  EXPECT_EQ(view->draftTitle(), u"Alex");
-  EXPECT_EQ(view->selectedTypeId(), u"note");
   for (const auto& [typed, label, icon] : cases) {
+    view->startNew();
+    view->pickCustomApp();
     view->setCustomAppLabel(typed);
     view->addPing();
-    EXPECT_EQ(pings().last().appId, u"custom");
-    EXPECT_EQ(pings().last().appLabel, label);
-    EXPECT_EQ(pings().last().icon, icon);
-    EXPECT_EQ(pings().last().color, u"#111111");
+    EXPECT_EQ(
+        ping(0),
+        (Ping{ping(0).id, "custom", label, icon, "#111111", "Alex", "sent you a notification", 700, {}}));
   }
 }
 
 TEST_F(StudioViewTest, draftsAndTemplatesMakeTheTexts) {
-  view->setSenderText(u"@sam"_s);
-  view->setMessageText(u"  "_s);
-  view->addPing();
-  EXPECT_EQ(ping(0).title, u"@sam");
-  EXPECT_EQ(ping(0).message, u"  ");
-
-  view->setMessageText(u""_s);
-  view->addPing();
-  EXPECT_EQ(ping(1).message, u"liked your video.");
+  const auto textsOfNextPing = [this] {
+    view->addPing();
+    return pings().last().title + ": " + pings().last().message;
+  };
+  view->setSenderText("@sam");
+  view->setMessageText("  ");
+  EXPECT_EQ(textsOfNextPing(), "@sam:   ");
+  view->setMessageText("");
+  EXPECT_EQ(textsOfNextPing(), "@sam: liked your video.");
 
   // A template's own title wins over what is typed afterwards.
-  view->pickType(type(u"tiktok"_s, u"viral"_s));
-  EXPECT_EQ(view->draftTitle(), u"TikTok");
-  view->setSenderText(u"@sam"_s);
-  view->addPing();
-  EXPECT_EQ(ping(2).title, u"TikTok");
-  EXPECT_EQ(ping(2).message, u"Your video is popular right now");
-
-  view->pickType(type(u"tiktok"_s, u"duet"_s));
-  EXPECT_EQ(view->draftTitle(), u"@sam");
-  EXPECT_EQ(view->draftMessage(), u"Dueted your video.");
-}
-
-TEST_F(StudioViewTest, pickingAnAppFillsInItsFirstTemplate) {
-  for (const AppPreset& app : AppPreset::all()) {
-    view->pickApp(app.id);
-    EXPECT_EQ(view->selectedAppId(), app.id);
-    EXPECT_EQ(view->selectedTypeId(), PingType::types(app.id).first().id);
-    EXPECT_EQ(view->draftTitle(), PingType::defaultSender(app.id));
-    EXPECT_EQ(view->draftMessage(), PingType::types(app.id).first().message);
-    view->addPing();
-    EXPECT_EQ(pings().last().appLabel, app.label);
-    EXPECT_EQ(pings().last().icon, app.icon);
-    EXPECT_EQ(pings().last().color, app.color);
-  }
+  view->pickType(viral);
+  EXPECT_EQ(view->draftTitle(), "TikTok");
+  view->setSenderText("@sam");
+  EXPECT_EQ(textsOfNextPing(), "TikTok: Your video is popular right now");
+  view->pickType(PingType::types("tiktok")[4]);
+  EXPECT_EQ(textsOfNextPing(), "@sam: Dueted your video.");
+  view->pickApp("snapchat");
+  EXPECT_EQ(choices(), "snapchat | snap | App | Jordan | Sent you a Snap");
+  EXPECT_EQ(textsOfNextPing(), "Jordan: Sent you a Snap");
 }
 
 TEST_F(StudioViewTest, appAndTemplateRewriteTheSelectedPingsTextsOnly) {
   addPings(2);
+  QList<Ping> expected = pings();
   view->selectPing(ping(1));
-  view->pickApp(u"instagram"_s);
-  EXPECT_EQ(ping(1).message, u"liked your Reel.");
-  EXPECT_EQ(ping(1).title, u"@maya");
-  EXPECT_EQ(ping(1).appId, u"tiktok");
-  EXPECT_EQ(ping(1).delayMs, 1400);
-  EXPECT_EQ(view->draftTitle(), u"jordan");
-  EXPECT_EQ(view->draftMessage(), u"liked your video.");
-  EXPECT_EQ(ping(0).message, u"liked your video.");
+  view->pickApp("instagram");
+  expected[1].message = "liked your Reel.";
+  EXPECT_EQ(pings(), expected);
+  EXPECT_EQ(choices(), "instagram | reel-like | App | jordan | liked your video.");
 
-  view->applyType(type(u"tiktok"_s, u"viral"_s));
-  EXPECT_EQ(ping(1).title, u"TikTok");
-  EXPECT_EQ(view->selectedTypeId(), u"reel-like");
+  view->applyType(viral);
+  expected[1].title = "TikTok";
+  expected[1].message = viral.message;
+  EXPECT_EQ(pings(), expected);
+  EXPECT_EQ(view->selectedTypeId(), "reel-like");
 }
 
 TEST_F(StudioViewTest, selectingAPingFindsItsAppAndTemplate) {
-  view->pickType(type(u"tiktok"_s, u"viral"_s));
+  view->pickType(viral);
   view->addPing();
   view->pickCustomApp();
-  view->setCustomAppLabel(u"Zed"_s);
-  view->setMessageText(u"my own words"_s);
+  view->setCustomAppLabel("Zed");
+  view->setMessageText("my own words");
   view->addPing();
-  view->pickApp(u"snapchat"_s);
-  view->setCustomAppLabel(u"Other"_s);
+  view->pickApp("snapchat");
+  view->setCustomAppLabel("Other");
 
   view->selectPing(ping(1));
   EXPECT_EQ(view->selectedIndex(), 1);
-  EXPECT_EQ(view->selectedAppId(), u"custom");
-  EXPECT_EQ(view->customAppLabel(), u"Zed");
-  EXPECT_EQ(view->selectedTypeId(), u"note");
-  EXPECT_EQ(view->senderText(), u"Alex");
-  EXPECT_EQ(view->messageText(), u"my own words");
-  EXPECT_EQ(view->delayText(), u"1.4");
-  EXPECT_EQ(view->draftTitle(), u"Jordan");
-
+  EXPECT_EQ(choices(), "custom | note | Zed | Jordan | Sent you a Snap");
+  EXPECT_EQ(view->senderText(), "Alex");
+  EXPECT_EQ(view->messageText(), "my own words");
+  EXPECT_EQ(view->delayText(), "1.4");
   view->selectPing(ping(0));
-  EXPECT_EQ(view->selectedTypeId(), u"viral");
-  view->setMessageText(u"no template says this"_s);
+  EXPECT_EQ(view->selectedTypeId(), "viral");
+  view->setMessageText("no template says this");
   view->clearSelection();
   view->selectPing(ping(0));
-  EXPECT_EQ(view->selectedTypeId(), u"viral") << "found by its title";
+  EXPECT_EQ(view->selectedTypeId(), "viral") << "found by its title";
 
-  QSignalSpy drafts(view.get(), &StudioView::draftsChanged);
+  const QString chosen = choices();
   view->selectPing(ping(0));
-  EXPECT_FALSE(view->selectedPingId());
-  EXPECT_EQ(view->selectedAppId(), u"tiktok");
-  EXPECT_EQ(view->selectedTypeId(), u"viral");
-  EXPECT_TRUE(drafts.isEmpty());
+  EXPECT_FALSE(view->selectedPingId()) << "a second time takes it back";
+  EXPECT_EQ(choices(), chosen);
 }
 
-TEST_F(StudioViewTest, theFieldsEditTheSelectedPing) {
-  addPings(2);
-  view->setDelayText(u"9"_s);
-  EXPECT_EQ(ping(0).delayMs, 700);
-
-  view->selectPing(ping(0));
-  view->setSenderText(u"@sam"_s);
-  view->setMessageText(u""_s);
-  view->setDelayText(u"1,5"_s);
-  EXPECT_EQ(ping(0).title, u"@sam");
-  EXPECT_EQ(ping(0).message, u"");
-  EXPECT_EQ(ping(0).delayMs, 1500);
-  EXPECT_EQ(view->draftTitle(), u"@maya");
-  for (const QString& text : {u"abc"_s, u" 2"_s, u"inf"_s, u"nan"_s, u""_s}) view->setDelayText(text);
-  EXPECT_EQ(ping(0).delayMs, 1500);
-  view->setDelayText(u"-3"_s);
-  EXPECT_EQ(ping(0).delayMs, 0);
-  EXPECT_EQ(ping(1).delayMs, 1400);
-}
-
-TEST_F(StudioViewTest, removingAPingKeepsAnotherSelection) {
+TEST_F(StudioViewTest, theFieldsEditTheSelectedPingAndRemovingItEndsTheSelection) {
   addPings(3);
-  const QString last = ping(2).id;
-  view->selectPing(ping(2));
-  view->removePing(ping(0).id);
-  EXPECT_EQ(view->selectedPingId(), last);
-  EXPECT_EQ(view->selectedIndex(), 1);
-  view->removePing(last);
-  EXPECT_FALSE(view->selectedPingId());
-  EXPECT_EQ(pings().size(), 1);
-  view->removePing(u"no such ping"_s);
-  EXPECT_EQ(pings().size(), 1);
-}
+  QList<Ping> expected = pings();
+  view->setDelayText("9");
+  EXPECT_EQ(pings(), expected);
 
-TEST_F(StudioViewTest, everyEditReachesThePlayer) {
-  addPings(2);
-  EXPECT_EQ(view->player()->document(), view->document());
-  view->play();
-  tickAt(900);
-  view->setTitle(u"Launch"_s);
-  view->pickWallpaper(u"three"_s);
-  view->addPing();
-  EXPECT_TRUE(view->isPlaying());
-  EXPECT_EQ(view->player()->elapsedMs(), 900);
-  EXPECT_EQ(view->player()->document(), view->document());
-  view->player()->stop();
+  view->selectPing(ping(2));
+  view->setSenderText("@sam");
+  view->setMessageText("");
+  view->setDelayText("1,5");
+  view->setDelayText("abc");
+  expected[2].title = "@sam";
+  expected[2].message = "";
+  expected[2].delayMs = 1500;
+  EXPECT_EQ(pings(), expected);
+  view->setDelayText("-3");
+  EXPECT_EQ(ping(2).delayMs, 0);
+  EXPECT_EQ(choices(), "tiktok | like | App | @maya | liked your video.");
+
   view->removePing(ping(0).id);
-  EXPECT_EQ(view->player()->elapsedMs(), SequencePlayer::finishedMs);
+  EXPECT_EQ(view->selectedIndex(), 1);
+  view->removePing(ping(1).id);
+  EXPECT_FALSE(view->selectedPingId());
+  EXPECT_EQ(pings(), expected.mid(1, 1));
 }
 
 TEST_F(StudioViewTest, signalsTellOfChangesOnly) {
@@ -355,144 +273,97 @@ TEST_F(StudioViewTest, signalsTellOfChangesOnly) {
   QSignalSpy selection(view.get(), &StudioView::selectionChanged);
   QSignalSpy drafts(view.get(), &StudioView::draftsChanged);
   QSignalSpy playing(view.get(), &StudioView::playingChanged);
-  const auto told = [&] {
-    const QList<qsizetype> counts{document.size(), selection.size(), drafts.size(), playing.size()};
-    for (QSignalSpy* spy : {&document, &selection, &drafts, &playing}) spy->clear();
-    return counts;
+  const struct {
+    const char* command;
+    std::function<void()> run;
+    QList<qsizetype> told;
+  } cases[] = {
+      {"same title", [&] { view->setTitle("Untitled"); }, {0, 0, 0, 0}},
+      {"same wallpaper", [&] { view->pickWallpaper("one"); }, {0, 0, 0, 0}},
+      {"same app", [&] { view->pickApp("tiktok"); }, {0, 0, 0, 0}},
+      {"no selection", [&] { view->clearSelection(); }, {0, 0, 0, 0}},
+      {"no such ping", [&] { view->removePing("no such ping"); }, {0, 0, 0, 0}},
+      {"title", [&] { view->setTitle("Caf\u00e9"); }, {1, 0, 0, 0}},
+      {"canonically the same", [&] { view->setTitle("Cafe\u0301"); }, {0, 0, 0, 0}},
+      {"select", [&] { view->selectPing(ping(0)); }, {0, 1, 0, 0}},
+      {"app", [&] { view->pickApp("messages"); }, {1, 1, 1, 0}},
+      {"same delay", [&] { view->setDelayText("0.7"); }, {0, 0, 0, 0}},
+      {"play", [&] { view->play(); }, {0, 0, 0, 1}},
+      {"add", [&] { view->addPing(); }, {1, 1, 0, 0}},
   };
-  using Counts = QList<qsizetype>;
-
-  view->setTitle(u"Untitled"_s);
-  view->pickWallpaper(u"one"_s);
-  view->pickApp(u"tiktok"_s);
-  view->clearSelection();
-  view->removePing(u"no such ping"_s);
-  view->dismissError();
-  EXPECT_EQ(told(), (Counts{0, 0, 0, 0}));
-
-  view->setTitle(u"Caf\u00e9"_s);
-  EXPECT_EQ(told(), (Counts{1, 0, 0, 0}));
-  view->setTitle(u"Cafe\u0301"_s);
-  EXPECT_EQ(told(), (Counts{0, 0, 0, 0})) << "canonically the same text";
-  view->selectPing(ping(0));
-  EXPECT_EQ(told(), (Counts{0, 1, 0, 0}));
-  view->pickApp(u"messages"_s);
-  EXPECT_EQ(told(), (Counts{1, 1, 1, 0}));
-  view->setDelayText(u"0.7"_s);
-  EXPECT_EQ(told(), (Counts{0, 0, 0, 0}));
-  view->play();
-  EXPECT_EQ(told(), (Counts{0, 0, 0, 1}));
-  view->addPing();
-  EXPECT_EQ(told(), (Counts{1, 1, 0, 0}));
-}
-
-TEST_F(StudioViewTest, observersSeeThePlayerInStepWithTheDocument) {
-  QObject::connect(view.get(), &StudioView::documentChanged,
-                   [this] { EXPECT_EQ(view->player()->document(), view->document()); });
-  addPings(1);
-  view->setTitle(u"Launch"_s);
-  view->startNew();
+  for (const auto& [command, run, told] : cases) {
+    for (QSignalSpy* spy : {&document, &selection, &drafts, &playing}) spy->clear();
+    run();
+    EXPECT_EQ((QList{document.size(), selection.size(), drafts.size(), playing.size()}), told) << command;
+  }
 }
 
 TEST_F(StudioViewTest, startingNewForgetsEverythingButARunningExport) {
   addPings(3);
   view->selectPing(ping(1));
-  view->setTitle(u"Launch"_s);
+  view->setTitle("Launch");
   view->pickCustomApp();
-  view->setCustomAppLabel(u"Zed"_s);
-  view->exportMovie();
-  panels.answer(u"/movies/launch.mp4"_s);
+  view->setCustomAppLabel("Zed");
+  beginExport("/movies/launch.mp4");
+  view->pickCustomWallpaper();
+  outside.answer("/photos/broken.png");
   view->play();
   const QPointer<SequencePlayer> former = view->player();
   QSignalSpy replaced(view.get(), &StudioView::playerReplaced);
 
-  view->startNew();
-  EXPECT_EQ(view->document(), SequenceDocument::blank());
+  // In answer to a signal of the player that goes away.
+  QObject::connect(former, &SequencePlayer::elapsedMsChanged, view.get(), [this] {
+    if (view->isPlaying()) view->startNew();
+  });
+  tonesUntil(100);
+  expectBlankSequence();
   EXPECT_EQ(replaced.size(), 1);
   EXPECT_NE(view->player(), former);
-  EXPECT_FALSE(former->isPlaying());
-  EXPECT_FALSE(view->isPlaying());
-  EXPECT_EQ(view->selectedAppId(), u"tiktok");
-  EXPECT_EQ(view->selectedTypeId(), u"like");
-  EXPECT_EQ(view->customAppLabel(), u"App");
-  EXPECT_EQ(view->draftTitle(), u"@maya");
-  EXPECT_EQ(view->draftMessage(), u"liked your video.");
-  EXPECT_FALSE(view->selectedPingId());
   EXPECT_TRUE(view->exporting());
   exportEnds = true;
   EXPECT_TRUE(exportEnded());
 }
 
-TEST_F(StudioViewTest, startingNewInAnswerToThePlayersSignalIsSafe) {
-  addPings(1);
-  QObject::connect(view->player(), &SequencePlayer::elapsedMsChanged, view.get(), [this] {
-    if (view->isPlaying() && view->player()->elapsedMs() > 0) view->startNew();
-  });
-  view->play();
-  tickAt(100);
-  EXPECT_EQ(view->document(), SequenceDocument::blank());
-}
-
 TEST_F(StudioViewTest, pingsSoundOnceAsTheyComeIntoViewInDocumentOrder) {
-  addPingAt(u"0.5"_s, u"cashapp"_s);
-  addPingAt(u"0.2"_s, u"instagram"_s);
-  addPingAt(u"0.4"_s, u"snapchat"_s);
-  EXPECT_TRUE(tones.played.isEmpty());
+  addPingAt("0.5", "cashapp");
+  addPingAt("0.2", "instagram");
+  addPingAt("0.4", "snapchat");
   view->play();
-  settle();
-  EXPECT_TRUE(tones.played.isEmpty());
-  tickAt(199);
-  EXPECT_TRUE(tones.played.isEmpty());
-  tickAt(200);
-  tickAt(217);
-  EXPECT_EQ(tones.played, (QStringList{u"instagram"_s}));
-  tickAt(600);
-  EXPECT_EQ(tones.played, (QStringList{u"instagram"_s, u"cashapp"_s, u"snapchat"_s}));
-  tickAt(2300);
+  EXPECT_EQ(tonesUntil(199), "");
+  EXPECT_EQ(tonesUntil(200), "instagram");
+  EXPECT_EQ(tonesUntil(217), "");
+  EXPECT_EQ(tonesUntil(600), "cashapp snapchat");
+  EXPECT_EQ(tonesUntil(2300), "");
   EXPECT_FALSE(view->isPlaying());
-  EXPECT_EQ(tones.played.size(), 3);
 }
 
-TEST_F(StudioViewTest, aPingInTheFinishedStackAndAtTheStartIsSilent) {
-  addPingAt(u"0"_s);
+TEST_F(StudioViewTest, atTheStartSoundsOnlyWhatTheFinishedStackDidNotShow) {
+  addPingAt("0", "cashapp");
   view->play();
-  tickAt(20);
-  EXPECT_TRUE(tones.played.isEmpty());
-  // Playing again during a run starts from what the run shows.
-  view->player()->play();
-  settle();
-  EXPECT_TRUE(tones.played.isEmpty());
-}
-
-TEST_F(StudioViewTest, aPingPushedOffTheStackSoundsAtTheStart) {
-  addPingAt(u"0"_s, u"cashapp"_s);
+  EXPECT_EQ(tonesUntil(20), "");
+  view->player()->play();  // again, from what the run shows
+  EXPECT_EQ(tonesUntil(40), "");
+  view->player()->stop();
   addPings(5);
+  nowMs = 1000;
   view->play();
-  settle();
-  EXPECT_EQ(tones.played, (QStringList{u"cashapp"_s}));
+  EXPECT_EQ(tonesUntil(0), "cashapp") << "It was pushed off the stack.";
 }
 
-TEST_F(StudioViewTest, anEditThatBringsAPingIntoViewDuringARunSounds) {
-  addPingAt(u"5"_s, u"messages"_s);
+TEST_F(StudioViewTest, anEditDuringARunGoesOnWithItAndMaySound) {
+  addPingAt("5", "messages");
   view->play();
-  tickAt(1000);
+  EXPECT_EQ(tonesUntil(1000), "");
+  view->play();
   view->selectPing(ping(0));
-  view->setDelayText(u"0.9"_s);
-  settle();
-  EXPECT_EQ(tones.played, (QStringList{u"messages"_s}));
-  tickAt(1100);
-  EXPECT_EQ(tones.played.size(), 1);
-}
-
-TEST_F(StudioViewTest, aPingBeyondTheRunsLengthNeverSoundsInIt) {
-  addPingAt(u"0.1"_s);
-  view->play();
-  tickAt(1000);
-  EXPECT_EQ(tones.played.size(), 1);
-  addPingAt(u"1.905"_s);
-  tickAt(1910);  // the run was 1900 ms long when it started
+  view->setDelayText("0.9");
+  EXPECT_EQ(tonesUntil(1000), "messages");
+  EXPECT_TRUE(view->isPlaying());
+  EXPECT_EQ(view->player()->elapsedMs(), 1000);
+  // Beyond the length that the run had when it started, nothing sounds in it.
+  view->setDelayText("6.805");
+  EXPECT_EQ(tonesUntil(6810), "");
   EXPECT_FALSE(view->isPlaying());
-  EXPECT_EQ(tones.played.size(), 1);
 }
 
 TEST_F(StudioViewTest, withoutSoundEverythingElseWorks) {
@@ -501,41 +372,30 @@ TEST_F(StudioViewTest, withoutSoundEverythingElseWorks) {
   view = std::make_unique<StudioView>(silent);
   addPings(1);
   view->play();
-  tickAt(800);
+  EXPECT_EQ(tonesUntil(800), "");
   EXPECT_TRUE(view->isPlaying());
-}
-
-TEST_F(StudioViewTest, playNeedsPingsAndARestingPlayer) {
-  view->play();
-  EXPECT_FALSE(view->isPlaying());
-  addPings(1);
-  EXPECT_TRUE(view->canPlay());
-  view->play();
-  EXPECT_FALSE(view->canPlay());
-  tickAt(300);
-  view->play();
-  EXPECT_EQ(view->player()->elapsedMs(), 300);
 }
 
 TEST_F(StudioViewTest, anExportWritesTheDocumentOfThatMomentAndRevealsIt) {
   view->exportMovie();
-  EXPECT_TRUE(panels.saves.isEmpty()) << "there is nothing to export";
-  view->setTitle(u"Launch Day #2"_s);
+  EXPECT_TRUE(outside.saves.isEmpty()) << "there is nothing to export";
+  view->setTitle("Launch Day #2");
   addPings(2);
   view->exportMovie();
   view->exportMovie();
   view->pickCustomWallpaper();
-  ASSERT_EQ(panels.saves.size(), 1);
-  EXPECT_TRUE(panels.opens.isEmpty()) << "another panel is open";
-  EXPECT_EQ(panels.saves[0].title, u"Export notification video");
-  EXPECT_EQ(panels.saves[0].proposedName, u"launch-day-2.mp4");
-  EXPECT_EQ(panels.saves[0].suffix, u"mp4");
+  ASSERT_EQ(outside.saves.size(), 1);
+  EXPECT_TRUE(outside.opens.isEmpty()) << "another panel is open";
+  EXPECT_EQ(outside.saves[0].title, "Export notification video");
+  EXPECT_EQ(outside.saves[0].proposedName, "launch-day-2.mp4");
+  EXPECT_EQ(outside.saves[0].suffix, "mp4");
   EXPECT_FALSE(view->exporting());
 
   QList<double> progress;
   QObject::connect(view.get(), &StudioView::exportProgressChanged,
                    [&] { progress.append(view->exportProgress()); });
-  panels.answer(u"/movies/launch.mp4"_s);
+  const QString path = "/movies/launch.mp4";
+  outside.answer(path);
   EXPECT_TRUE(view->exporting());
   EXPECT_FALSE(view->canExport());
   const SequenceDocument document = view->document();
@@ -544,109 +404,87 @@ TEST_F(StudioViewTest, anExportWritesTheDocumentOfThatMomentAndRevealsIt) {
   reportProgress(4, 4);
   exportEnds = true;
   ASSERT_TRUE(exportEnded());
-  EXPECT_EQ(exported, (QList<SequenceDocument>{document}));
-  EXPECT_EQ(exportPath, u"/movies/launch.mp4");
+  ASSERT_EQ(exported.size(), 1);
+  EXPECT_TRUE(exported[0] == std::pair(document, path));
   EXPECT_EQ(progress, (QList<double>{0.25, 1, 0}));
-  EXPECT_EQ(fileManager.revealed, (QStringList{u"/movies/launch.mp4"_s}));
-  EXPECT_EQ(view->error(), u"");
+  EXPECT_EQ(outside.revealed, QStringList{path});
 }
 
 TEST_F(StudioViewTest, aFailedExportSaysWhyAndRevealsNothing) {
   addPings(1);
   exportEnds = true;
-  exportFailure = u"The disk is full."_s;
+  exportFailure = "The disk is full.";
   QSignalSpy errors(view.get(), &StudioView::errorChanged);
-  view->exportMovie();
-  panels.answer(u"/movies/a.mp4"_s);
+  beginExport("/movies/a.mp4");
   ASSERT_TRUE(exportEnded());
-  EXPECT_EQ(view->error(), u"The disk is full.");
-  EXPECT_TRUE(fileManager.revealed.isEmpty());
+  EXPECT_EQ(view->error(), "The disk is full.");
+  EXPECT_TRUE(outside.revealed.isEmpty());
   EXPECT_EQ(errors.size(), 1);
 
-  // Cancelling keeps the message; the next export that starts clears it.
+  // Cancelling keeps the message; the next export that starts clears it, and so does its reader.
   view->exportMovie();
-  panels.answer({});
+  outside.answer({});
   EXPECT_FALSE(view->exporting());
-  EXPECT_EQ(view->error(), u"The disk is full.");
-  exportFailure.clear();
-  view->exportMovie();
-  panels.answer(u"/movies/a.mp4"_s);
-  EXPECT_EQ(view->error(), u"");
+  EXPECT_EQ(view->error(), "The disk is full.");
+  exportEnds = false;
+  beginExport("/movies/a.mp4");
+  EXPECT_EQ(view->error(), "");
+  exportEnds = true;
   ASSERT_TRUE(exportEnded());
-
-  exportFailure = u"Again."_s;
-  view->exportMovie();
-  panels.answer(u"/movies/a.mp4"_s);
-  ASSERT_TRUE(exportEnded());
+  EXPECT_EQ(view->error(), "The disk is full.");
   view->dismissError();
-  EXPECT_EQ(view->error(), u"");
+  EXPECT_EQ(view->error(), "");
 }
 
 TEST_F(StudioViewTest, aStoppedExportRemovesWhatItWroteAndIsNoFailure) {
   const QTemporaryDir folder;
+  const QString path = folder.filePath("a.mp4");
+  addPings(1);
   for (const bool hasBegun : {false, true}) {
-    const QString path = folder.filePath(u"a.mp4"_s);
     ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
-    view->startNew();
-    addPings(1);
-    view->exportMovie();
-    panels.answer(path);
+    beginExport(path);
     if (hasBegun) reportProgress(1, 100);
     view->stopExport();
     ASSERT_TRUE(exportEnded());
-    EXPECT_EQ(view->error(), u"");
-    EXPECT_TRUE(fileManager.revealed.isEmpty());
+    EXPECT_EQ(view->error(), "");
+    EXPECT_TRUE(outside.revealed.isEmpty());
     EXPECT_EQ(QFile::exists(path), !hasBegun) << "before the first frame the file is somebody else's";
   }
-}
-
-TEST_F(StudioViewTest, closingTheEditorStopsItsExportAndItsPanels) {
-  const QTemporaryDir folder;
-  const QString path = folder.filePath(u"a.mp4"_s);
+  // So does closing the editor, also while a panel is open.
   ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
-  addPings(1);
-  view->exportMovie();
-  panels.answer(path);
+  beginExport(path);
   reportProgress(1, 100);
   view->pickCustomWallpaper();
   view.reset();
-  panels.answer(u"/photos/a.jpg"_s);
+  outside.answer("/photos/a.jpg");
   reportProgress(2, 100);
   EXPECT_TRUE(QTest::qWaitFor([&] { return !QFile::exists(path); }));
 }
 
 TEST_F(StudioViewTest, aPhotoBecomesTheWallpaperByItsStoredCopy) {
+  const auto wallpaper = [this] { return view->document().wallpaper + ' ' + view->document().wallpaperUrl; };
   view->pickPhotoChip();
-  ASSERT_EQ(panels.opens.size(), 1);
-  EXPECT_EQ(panels.opens[0].title, u"Choose a lock screen photo");
-  EXPECT_EQ(panels.opens[0].suffixes, (QStringList{u"jpg"_s, u"png"_s}));
-  QSignalSpy documents(view.get(), &StudioView::documentChanged);
-  panels.answer(u"/photos/a.png"_s);
-  EXPECT_EQ(view->document().wallpaper, u"custom");
-  EXPECT_EQ(view->document().wallpaperUrl, u"/stored/1.jpg");
-  EXPECT_EQ(view->player()->document().wallpaperUrl, u"/stored/1.jpg");
-  EXPECT_EQ(documents.size(), 1);
+  ASSERT_EQ(outside.opens.size(), 1);
+  EXPECT_EQ(outside.opens[0].title, "Choose a lock screen photo");
+  EXPECT_EQ(outside.opens[0].suffixes, (QStringList{"jpg", "png"}));
+  outside.answer("/photos/a.png");
+  EXPECT_EQ(wallpaper(), "custom /stored/1.jpg");
 
-  view->pickWallpaper(u"two"_s);
-  EXPECT_EQ(view->document().wallpaperUrl, u"/stored/1.jpg");
+  view->pickWallpaper("two");
+  EXPECT_EQ(wallpaper(), "two /stored/1.jpg");
   view->pickPhotoChip();
-  EXPECT_EQ(view->document().wallpaper, u"custom");
-  EXPECT_EQ(panels.opens.size(), 1) << "the stored photo needs no panel";
+  EXPECT_EQ(outside.opens.size(), 1) << "the stored photo needs no panel";
+  EXPECT_EQ(wallpaper(), "custom /stored/1.jpg");
   view->pickPhotoChip();
-  EXPECT_EQ(panels.opens.size(), 2);
-  panels.answer({});
-  EXPECT_EQ(view->document().wallpaperUrl, u"/stored/1.jpg");
-}
-
-TEST_F(StudioViewTest, aPhotoThatCannotBeUsedLeavesTheDocument) {
-  view->pickCustomWallpaper();
-  panels.answer(u"/photos/broken.png"_s);
-  EXPECT_EQ(view->error(), u"Could not open that photo.");
-  storeFailure = u"disk full"_s;
-  view->pickCustomWallpaper();
-  panels.answer(u"/photos/a.png"_s);
-  EXPECT_EQ(view->error(), u"Could not save that photo.");
-  EXPECT_EQ(view->document(), SequenceDocument::blank());
+  outside.answer({});
+  view->pickPhotoChip();
+  outside.answer("/photos/broken.png");
+  EXPECT_EQ(view->error(), "Could not open that photo.");
+  storeFailure = "disk full";
+  view->pickPhotoChip();
+  outside.answer("/photos/a.png");
+  EXPECT_EQ(view->error(), "Could not save that photo.");
+  EXPECT_EQ(wallpaper(), "custom /stored/1.jpg");
 }
 
 /// Any order of commands leaves a state that hangs together.
@@ -656,38 +494,31 @@ TEST_F(StudioViewTest, anyOrderOfCommandsKeepsTheStateWhole) {
                             : std::random_device()();
   SCOPED_TRACE("BRISKLET_SEED=" + std::to_string(seed));
   std::mt19937 random(seed);
-  const auto pick = [&random](qsizetype count) {
-    return static_cast<qsizetype>(random() % static_cast<unsigned>(count));
+  const auto anyOf = [&random](const auto& list) -> const auto& {
+    return list[static_cast<qsizetype>(random() % static_cast<unsigned>(list.size()))];
   };
-  const QStringList texts{u""_s,  u" "_s, u"1,5"_s,     u"-2"_s,        u"abc"_s,
-                          u"0"_s, u"é"_s, u"e\u0301"_s, u"👍🏽x"_s, u"3e2"_s};
-  const auto text = [&] { return texts[pick(texts.size())]; };
-  const auto anyType = [&]() -> const PingType& {
-    const QList<PingType>& types = PingType::types(view->selectedAppId());
-    return types[pick(types.size())];
+  const QStringList texts{"", " ", "1,5", "-2", "abc", "0", "é", "e\u0301", "👍🏽x", "3e2"};
+  const auto text = [&] { return anyOf(texts); };
+  const auto anyType = [&] { return anyOf(PingType::types(view->selectedAppId())); };
+  const auto withAnyPing = [&](auto command) {
+    if (!pings().isEmpty()) command(Ping(anyOf(pings())));
   };
-  const auto anyPing = [&] { return ping(pick(pings().size())); };
 
   SequenceDocument lastTold = view->document();
   QObject::connect(view.get(), &StudioView::documentChanged, [&] {
     EXPECT_FALSE(view->document() == lastTold);
+    EXPECT_EQ(view->player()->document(), view->document());
     lastTold = view->document();
   });
 
-  const std::vector<std::function<void()>> commands{
+  const QList<std::function<void()>> commands{
       [&] { view->addPing(); },
       [&] { view->addPing(); },
-      [&] {
-        if (!pings().isEmpty()) view->selectPing(anyPing());
-      },
-      [&] {
-        if (!pings().isEmpty()) view->selectPing(anyPing());
-      },
-      [&] {
-        if (!pings().isEmpty()) view->removePing(anyPing().id);
-      },
+      [&] { withAnyPing([&](const Ping& each) { view->selectPing(each); }); },
+      [&] { withAnyPing([&](const Ping& each) { view->selectPing(each); }); },
+      [&] { withAnyPing([&](const Ping& each) { view->removePing(each.id); }); },
       [&] { view->clearSelection(); },
-      [&] { view->pickApp(AppPreset::all()[pick(5)].id); },
+      [&] { view->pickApp(anyOf(AppPreset::all()).id); },
       [&] { view->pickCustomApp(); },
       [&] { view->pickType(anyType()); },
       [&] { view->applyType(anyType()); },
@@ -696,30 +527,24 @@ TEST_F(StudioViewTest, anyOrderOfCommandsKeepsTheStateWhole) {
       [&] { view->setSenderText(text()); },
       [&] { view->setMessageText(text()); },
       [&] { view->setDelayText(text()); },
-      [&] { view->pickWallpaper(Studio::wallpapers()[pick(4)].id); },
+      [&] { view->pickWallpaper(anyOf(Studio::wallpapers()).id); },
       [&] {
         view->pickPhotoChip();
-        if (panels.pending) panels.answer(u"/photos/a.png"_s);
+        if (outside.pending) outside.answer("/photos/a.png");
       },
       [&] { view->play(); },
+      [&] { nowMs += static_cast<double>(random() % 900); },
       [&] {
-        nowMs += static_cast<double>(pick(900));
-        view->player()->tick();
-      },
-      [&] {
-        nowMs += static_cast<double>(pick(900));
-        view->player()->tick();
-      },
-      [&] {
-        if (pick(8) == 0) view->startNew();
+        if (random() % 8 == 0) view->startNew();
       },
   };
 
   for (int step = 0; step < 4000 && !HasFailure(); ++step) {
     const SequenceDocument before = view->document();
-    const qsizetype tonesBefore = tones.played.size();
+    const qsizetype tonesBefore = outside.played.size();
     const auto selectedBefore = view->selectedPingId();
-    commands[static_cast<std::size_t>(pick(static_cast<qsizetype>(commands.size())))]();
+    anyOf(commands)();
+    view->player()->tick();
     settle();
 
     EXPECT_EQ(view->document(), lastTold);
@@ -730,22 +555,19 @@ TEST_F(StudioViewTest, anyOrderOfCommandsKeepsTheStateWhole) {
     EXPECT_EQ(view->delayText().isEmpty(), !view->selectedPingId());
     EXPECT_EQ(view->senderText(),
               view->selectedPingId() ? ping(*view->selectedIndex()).title : view->draftTitle());
-    EXPECT_TRUE(view->isPlaying() || tones.played.size() == tonesBefore);
-    const QList<PingType>& types = PingType::types(view->selectedAppId());
-    EXPECT_TRUE(std::any_of(types.begin(), types.end(),
-                            [&](const PingType& t) { return t.id == view->selectedTypeId(); }));
-    QSet<QString> ids;
+    EXPECT_TRUE(view->isPlaying() || outside.played.size() == tonesBefore);
+    QStringList typeIds;
+    for (const PingType& type : PingType::types(view->selectedAppId())) typeIds.append(type.id);
+    EXPECT_TRUE(typeIds.contains(view->selectedTypeId()));
+    QHash<QString, Ping> now;
     for (const Ping& each : pings()) {
       EXPECT_TRUE(std::isfinite(each.delayMs) && each.delayMs >= 0);
-      ids.insert(each.id);
+      now.insert(each.id, each);
     }
-    EXPECT_EQ(ids.size(), pings().size());
+    EXPECT_EQ(now.size(), pings().size());
     // Only the selected ping is ever edited; the others stay as they are, or go.
-    for (const Ping& each : before.notifications) {
-      const auto now = std::find_if(pings().begin(), pings().end(),
-                                    [&each](const Ping& other) { return other.id == each.id; });
-      EXPECT_TRUE(now == pings().end() || each.id == selectedBefore || *now == each);
-    }
+    for (const Ping& each : before.notifications)
+      EXPECT_TRUE(!now.contains(each.id) || each.id == selectedBefore || now[each.id] == each);
   }
 }
 
