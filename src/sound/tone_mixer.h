@@ -19,8 +19,6 @@ class ToneMixer {
   /// Forgets all tones.
   void clear() { voices_.clear(); }
 
-  [[nodiscard]] std::size_t soundingTones() const { return voices_.size(); }
-
  private:
   struct Voice {
     std::vector<float> tone;
