@@ -47,18 +47,21 @@ quint32 byteAt(const QByteArray& data, qsizetype at) {
   return at >= 0 && at < data.size() ? static_cast<uchar>(data[at]) : 0;
 }
 
-/// Whether the end of the picture is there. Qt's reader fills up the rest of a cut JPEG with grey.
-bool isCompleteJpeg(const QByteArray& data) {
+/// How often the decoder goes over the picture; 0 if its end is not there. Qt's reader fills up the rest of a
+/// cut JPEG with grey.
+qint64 jpegScans(const QByteArray& data) {
+  qint64 scans = 0;
   qsizetype at = 2;
   while (at + 1 < data.size()) {
     if (byteAt(data, at) != 0xff) {
       // Within the entropy-coded data of a scan.
       at = data.indexOf('\xff', at);
-      if (at < 0) return false;
+      if (at < 0) return 0;
       continue;
     }
     const quint32 marker = byteAt(data, at + 1);
-    if (marker == 0xd9) return true;
+    if (marker == 0xd9) return scans;
+    if (marker == 0xda) ++scans;
     if (marker == 0xff) {
       at += 1;
     } else if (marker == 0 || marker == 1 || (marker >= 0xd0 && marker <= 0xd8)) {
@@ -67,7 +70,15 @@ bool isCompleteJpeg(const QByteArray& data) {
       at += 2 + qsizetype(byteAt(data, at + 2) << 8 | byteAt(data, at + 3));
     }
   }
-  return false;
+  return 0;
+}
+
+/// Ten bytes are a scan over the whole picture: without a limit, a small file would take hours. Programs
+/// write about ten scans.
+bool isAllowedWork(qint64 scans, const QSize& size) {
+  constexpr qint64 scansOfTheLargest = 16, pixelsPerScanAtLeast = 1'000'000;
+  return scans <=
+         scansOfTheLargest * maxImagePixels / (qint64(size.width()) * size.height() + pixelsPerScanAtLeast);
 }
 
 /// Whether the chunks go on to the last one. libpng would say so itself, but to the console.
@@ -126,7 +137,7 @@ bool isCompleteTiff(const QByteArray& data) {
 }
 
 bool isComplete(const QByteArray& data, const QByteArray& format) {
-  if (format == "jpeg") return isCompleteJpeg(data);
+  if (format == "jpeg") return jpegScans(data) > 0;
   if (format == "png") return isCompletePng(data);
   if (format == "gif") return isCompleteGif(data);
   if (format == "bmp") return isCompleteBmp(data);
@@ -151,6 +162,7 @@ std::optional<QImage> decodedByQt(QByteArray& data, const QByteArray& format) {
   reader.setAutoTransform(true);
   const QSize size = reader.size();
   if (!isAllowedSize(size.width(), size.height())) return std::nullopt;
+  if (format == "jpeg" && !isAllowedWork(jpegScans(data), size)) return std::nullopt;
   if (QImageReader::allocationLimit() < maxAllocationMebibytes)
     QImageReader::setAllocationLimit(maxAllocationMebibytes);
   QImage image = reader.read();

@@ -153,6 +153,17 @@ TEST_F(ImageDecoder, absurdClaimsAreRefusedBeforeAnyPixel) {
   const qsizetype header = jpeg.indexOf("\xff\xc0");
   jpeg.replace(header + 5, 4, bigEndian(0xffffffff, 4));
   EXPECT_FALSE(decoded(jpeg));
+
+  // A progressive JPEG whose ten bytes a scan go over four megapixels each, and say nothing.
+  const auto scanned = [](int scans) {
+    QByteArray photo = QByteArray::fromHex("ffd8ffdb004300") + QByteArray(64, 1) +
+                       QByteArray::fromHex("ffc2000b0807d007d001011100");
+    for (const char* table : {"ffc400140001", "ffc400141001"})
+      photo += QByteArray::fromHex(table) + QByteArray(16, 0);
+    return photo + QByteArray::fromHex("ffda0008010100013f0000").repeated(scans) + "\xff\xd9";
+  };
+  EXPECT_TRUE(decoded(scanned(10)));
+  EXPECT_FALSE(decoded(scanned(1000)));
 }
 
 TEST_F(ImageDecoder, otherContentAndOtherThingsThanFilesAreUnreadable) {
