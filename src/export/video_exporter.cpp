@@ -206,8 +206,7 @@ QCoro::Task<> VideoExporter::exportMovie(SequenceDocument document, QString path
     // The partial file stays.
     throw;
   } catch (...) {
-    writer.reset();
-    QFile::remove(path);
+    writer->removeFile();
     throw;
   }
 }

@@ -232,6 +232,11 @@ class FileMovieWriter final : public MovieWriter {
     if (!finishingThread_.joinable()) complete();
   }
 
+  void removeFile() override {
+    const std::lock_guard lock(mutex_);
+    file_.remove();
+  }
+
   [[nodiscard]] Status status() const override {
     const std::lock_guard lock(mutex_);
     return status_;

@@ -59,6 +59,9 @@ class MovieWriter {
   /// Completes the file, then calls `completion` once on the calling thread, through its event loop.
   virtual void finishWriting(std::function<void()> completion) = 0;
 
+  /// Takes the unfinished file away, unless another stands in its place. Nothing is called afterwards.
+  virtual void removeFile() = 0;
+
   [[nodiscard]] virtual Status status() const = 0;
   /// What went wrong, as a sentence that names the file; empty when nothing is known.
   [[nodiscard]] virtual QString errorText() const = 0;

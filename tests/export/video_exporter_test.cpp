@@ -63,6 +63,7 @@ class ScriptedWriter : public MovieWriter {
     script_.steps.append("finish");
     QTimer::singleShot(0, completion);
   }
+  void removeFile() override { script_.steps.append("remove"); }
   Status status() const override { return script_.finalStatus; }
   QString errorText() const override { return script_.errorText; }
 
@@ -165,7 +166,7 @@ TEST_F(VideoExporterTest, whatTheWriterRefusesEndsAsItShould) {
   script = {};
   script.takesVideo = false;
   EXPECT_EQ(exported(documentWithDelays({})), "Could not write the video file.");
-  EXPECT_EQ(script.steps, QStringList());
+  EXPECT_EQ(script.steps, QStringList("remove"));
 
   script = {};
   script.starts = false;

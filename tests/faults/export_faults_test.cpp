@@ -99,6 +99,12 @@ TEST_F(ExportFaults, exportsAtOnceAreTheSameAsOneAfterTheOther) {
   waitForTask(std::move(b));
   EXPECT_TRUE(read("a at once.mp4") == read("a.mp4"));
   EXPECT_TRUE(read("b at once.mp4") == read("b.mp4"));
+  // In the same place, the one that comes later takes it, and keeps it when the other fails.
+  QCoro::Task<> earlier = VideoExporter::exportMovie(second, file("same.mp4"));
+  QCoro::Task<> later = VideoExporter::exportMovie(first, file("same.mp4"));
+  EXPECT_THROW(waitForTask(std::move(earlier)), Error);
+  waitForTask(std::move(later));
+  EXPECT_TRUE(read("same.mp4") == read("a.mp4"));
 }
 
 TEST_F(ExportFaults, manyExportsTakeNoMoreThanOne) {
