@@ -88,6 +88,7 @@ class PulseOutput final : public AudioOutput {
     if (stream_) return;
     if (!context_) {
       context_.reset(pa_context_new(pa_mainloop_get_api(loop_.get()), "Brisklet"));
+      if (!context_) return;  // there is too little memory for it
       pa_context_set_state_callback(context_.get(), contextStateChanged, this);
       hasFailed_ |= pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0;
     } else if (pa_context_get_state(context_.get()) == PA_CONTEXT_READY) {

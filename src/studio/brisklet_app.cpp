@@ -5,11 +5,14 @@
 #include <QScreen>
 #include <QSettings>
 #include <QToolTip>
+#include <new>
 #include <utility>
 
 #include "platform/fonts.h"
 #include "studio/palette.h"
 #include "studio/studio_style.h"
+
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -37,6 +40,30 @@ QPalette studioPalette() {
 }
 
 }  // namespace
+
+bool StudioApplication::notify(QObject* receiver, QEvent* event) {
+  QString cause;
+  try {
+    return QApplication::notify(receiver, event);
+  } catch (const std::bad_alloc&) {
+    cause = u"There is not enough memory for that."_s;
+  } catch (const std::exception& error) {
+    cause = QString::fromUtf8(error.what());
+  }
+  // Later, since widgets may be in the midst of something, and once, however many parts could not be painted.
+  if (std::exchange(speaksSoon_, true)) return false;
+  const auto speak = [this, cause] {
+    speaksSoon_ = false;
+    StudioWindow* speaker = nullptr;
+    for (QWidget* widget : topLevelWidgets()) {
+      auto* window = qobject_cast<StudioWindow*>(widget);
+      if (window && (!speaker || window->isActiveWindow())) speaker = window;
+    }
+    if (speaker) speaker->view().setError(cause);
+  };
+  QMetaObject::invokeMethod(this, speak, Qt::QueuedConnection);
+  return false;
+}
 
 BriskletApp::BriskletApp(StudioView::Services services, StudioWindow::MakePanels makePanels)
     : services_(std::move(services)), makePanels_(std::move(makePanels)) {}

@@ -8,6 +8,17 @@
 
 namespace brisklet {
 
+/// Where Qt gives each event to its receiver. What fails there, for want of memory most likely, ends no more
+/// than the answer to that event: a window says so, and the studio goes on with what the user has.
+class StudioApplication : public QApplication {
+ public:
+  using QApplication::QApplication;
+  bool notify(QObject* receiver, QEvent* event) override;
+
+ private:
+  bool speaksSoon_ = false;
+};
+
 /// The application: a group of independent editor windows. It ends with its last one.
 class BriskletApp : public QObject {
   Q_OBJECT

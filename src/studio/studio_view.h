@@ -128,6 +128,8 @@ class StudioView : public QObject {
   void stopExport();
   /// Asks for a photo, stores a copy and makes it the wallpaper.
   void pickCustomWallpaper();
+  /// Shows that something went wrong, in place of what `error` said before.
+  void setError(const QString& error);
   void dismissError();
 
  Q_SIGNALS:
@@ -164,7 +166,6 @@ class StudioView : public QObject {
   /// Writes a template's texts into the selected ping, or else into the drafts.
   static void fillIn(State& state, const PingType& type);
   [[nodiscard]] bool isSelected(const QString& id) const;
-  void setError(const QString& error);
   void setExporting(bool exporting);
   void setExportProgress(double progress);
   /// Replaces the player by a new one over the document.

@@ -87,7 +87,7 @@ def resting_stage(studio):
 
 
 def make_a_movie(program, window_manager):
-    with StudioSession(program, window_manager=window_manager) as studio:
+    with StudioSession(program, window_manager=window_manager, silent_bus=not window_manager) as studio:
         expect(studio.geometry()[2:] == (1320, 860), "The window opens at its size.")
         seen = studio.seen()
         expect(is_near(seen.pixel(144, 840), PAPER), "The column is paper.")
@@ -195,7 +195,7 @@ def main():
         print("Skipped: a real window needs " + ", ".join(missing) + " (scripts/setup test installs them).")
         return SKIPPED
     for window_manager in ("openbox", None):
-        print("With a window manager:" if window_manager else "Without one:", flush=True)
+        print("With a window manager:" if window_manager else "Without one, and with a session bus that never answers:", flush=True)
         make_a_movie(os.path.abspath(sys.argv[1]), window_manager)
         print("  all as expected", flush=True)
     return 0

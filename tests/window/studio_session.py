@@ -3,6 +3,7 @@
 import os
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 import time
@@ -26,12 +27,13 @@ class Screen:
 
 
 class StudioSession:
-    """Starts the program in an empty home, without a session bus and a sound server.
+    """Starts the program in an empty home, without a sound server and with no session bus, or one that never answers.
 
     Coordinates are points of the studio's window.
     """
 
-    def __init__(self, program, size=(1400, 950), scale=1, window_manager="openbox"):
+    def __init__(self, program, size=(1400, 950), scale=1, window_manager="openbox", silent_bus=False):
+        self.silent_bus = socket.socket(socket.AF_UNIX) if silent_bus else None
         self.program, self.size, self.scale, self.window_manager = program, size, scale, window_manager
         self.processes = []
 
@@ -46,6 +48,11 @@ class StudioSession:
         self.environment.update(
             HOME=self.home, XDG_RUNTIME_DIR=runtime, QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR=str(self.scale),
             PULSE_SERVER="unix:" + os.path.join(runtime, "none"))
+        if self.silent_bus:
+            bus = os.path.join(runtime, "bus")
+            self.silent_bus.bind(bus)
+            self.silent_bus.listen()
+            self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus
         try:
             self.start_display()
             if self.window_manager:
