@@ -1,16 +1,22 @@
 #include <fcntl.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
+#include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <new>
 
 #include "base/wait_for_task.h"
 #include "export/video_exporter.h"
+#include "platform/picture_threads.h"
+#include "platform/unique_fd.h"
 #include "render/interruption.h"
 #include "render/render_job.h"
 #include "render/render_options.h"
@@ -28,6 +34,23 @@ QString asLine(QString text) {
     if (unit.category() == QChar::Other_Control) unit = u' ';
   }
   return text;
+}
+
+/// Standard error, for the program's own words.
+std::FILE* const said = stderr;
+
+/// Whether as many files can be open as fonts, threads and the movie need: where the fonts cannot be,
+/// pictures would go without.
+bool mayOpenFiles() {
+  std::array<UniqueFd, 24> files;
+  for (UniqueFd& file : files) file = UniqueFd(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  return static_cast<bool>(files.back());
+}
+
+/// Libraries remark there on photos and on memory, beside the error that they return: what matters of it
+/// becomes the one line. Sanitizers, and a library that aborts, write past this.
+void silenceLibraries() {
+  if (std::FILE* nowhere = std::fopen("/dev/null", "we")) stderr = nowhere;
 }
 
 /// What the program says on standard error: messages, and on a terminal a line of progress.
@@ -55,7 +78,7 @@ class Console {
  private:
   static void write(const QString& text) {
     const QByteArray bytes = text.toLocal8Bit();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), said);
   }
 
   bool showsProgress_;
@@ -72,7 +95,10 @@ ExitStatus run(const RenderJob& job, Console& console, const std::stop_source& s
     console.clearProgress();
     return Done;
   } catch (const ExportCancelled&) {
-    console.message(u"interrupted; %1 is not complete"_s.arg(job.movie));
+    const QString& output = !job.movie.isEmpty()        ? job.movie
+                            : !job.soundtrack.isEmpty() ? job.soundtrack
+                                                        : job.still;
+    console.message(u"interrupted; %1 is not complete"_s.arg(output));
     return Interrupted;
   } catch (const Error& error) {
     console.message(error.text());
@@ -94,11 +120,28 @@ void openStandardStreams() {
   }
 }
 
+/// Threads have an ordinary stack, also where the limit of the first one's (`ulimit -s`) is tiny or immense.
+void setStacks() {
+  pthread_attr_t attributes;
+  if (pthread_attr_init(&attributes) != 0) return;
+  pthread_attr_setstacksize(&attributes, 4 << 20);
+  pthread_setattr_default_np(&attributes);
+  pthread_attr_destroy(&attributes);
+}
+
 /// What a library says before it gives up (no descriptor is left, no thread) becomes the one line; its
 /// remarks about the machine (no runtime directory, an odd locale) mean nothing to who asked for a movie.
 void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   if (type != QtFatalMsg) return;
+  static std::atomic_flag isSaid;
+  while (isSaid.test_and_set()) pause();  // another thread has said it, and ends the program
   Console(false).message(text);
+  std::_Exit(Failed);
+}
+
+/// Memory ended where no job can be given up for it: in a library, or before the first.
+[[noreturn]] void endInASentence() {
+  std::fputs("brisklet-render: there is not enough memory\n", said);
   std::_Exit(Failed);
 }
 
@@ -117,6 +160,13 @@ QStringList argumentsOf(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   openStandardStreams();
+  silenceLibraries();
+  setStacks();
+  std::set_terminate(endInASentence);
+  if (!mayOpenFiles()) {
+    Console(false).message(u"too many files are open"_s);
+    return Failed;
+  }
   // It draws into images only, and needs neither a display nor the desktop's event loop.
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("QT_NO_GLIB", "1");
@@ -137,10 +187,14 @@ int main(int argc, char** argv) {
   }
   if (options.help || options.version) {
     const QString text = options.help ? renderUsage() : u"brisklet-render " BRISKLET_VERSION "\n"_s;
-    std::fputs(text.toLocal8Bit().constData(), stderr);
+    std::fputs(text.toLocal8Bit().constData(), said);
     return Done;
   }
 
+  if (!startPictureThreads()) {
+    Console(false).message(u"the system allows no more threads"_s);
+    std::_Exit(Failed);
+  }
   Console console(!options.quiet && isatty(STDERR_FILENO) != 0);
   if (!options.into.isEmpty() && !QDir().mkpath(options.into)) {
     console.message(u"%1: the directory cannot be made"_s.arg(options.into));

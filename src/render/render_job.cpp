@@ -1,22 +1,30 @@
 #include "render/render_job.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
 #include <QBuffer>
+#include <QCoroTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QSaveFile>
 #include <algorithm>
-#include <cstdio>
+#include <cerrno>
+#include <chrono>
 
 #include "export/video_exporter.h"
 #include "lockscreen/lock_screen_view.h"
 #include "model/document_json.h"
+#include "platform/unique_fd.h"
 #include "playback/sequence_player.h"
 #include "sound/notification_sounds.h"
 #include "sound/wav_file.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace brisklet {
 
@@ -30,29 +38,46 @@ QString sceneName(const QString& scene) {
   return isStandardInput(scene) ? u"standard input"_s : scene;
 }
 
-/// At most one byte more than a document may have, so that the reader can tell that there is too much.
-QByteArray readScene(const QString& scene) {
-  QFile file(scene);
-  const bool isOpen =
-      isStandardInput(scene) ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
-  if (!isOpen || QFileInfo(file).isDir()) {
-    throw Error(u"%1: it cannot be read: %2"_s.arg(
-        sceneName(scene), QFileInfo(scene).isDir() ? u"it is a directory"_s : file.errorString().toLower()));
-  }
-  // Pipes give what they have, a piece at a time.
-  QByteArray bytes;
-  while (bytes.size() <= maxDocumentBytes) {
-    const QByteArray piece = file.read(maxDocumentBytes + 1 - bytes.size());
-    if (piece.isEmpty()) break;
-    bytes.append(piece);
-  }
-  if (file.error() != QFileDevice::NoError)
-    throw Error(u"%1: it cannot be read: %2"_s.arg(sceneName(scene), file.errorString().toLower()));
-  return bytes;
+[[noreturn]] void failToRead(const QString& scene, int failure) {
+  throw Error(u"%1: it cannot be read: %2"_s.arg(
+      sceneName(scene), failure == EISDIR ? u"it is a directory"_s : qt_error_string(failure).toLower()));
 }
 
-SequenceDocument loadScene(const QString& scene) {
-  const QByteArray bytes = readScene(scene);
+/// Lets the event loop hear of an interruption.
+QCoro::Task<> pause(std::chrono::milliseconds time, std::stop_token stop) {
+  co_await QCoro::sleepFor(time);
+  if (stop.stop_requested()) throw ExportCancelled();
+}
+
+/// At most one piece more than a document may have, so that the reader can tell that there is too much. A
+/// pipe and a terminal may let their reader wait, which is done here, and not in a call that hears nothing
+/// else.
+QCoro::Task<QByteArray> readScene(QString scene, std::stop_token stop) {
+  UniqueFd opened;
+  if (!isStandardInput(scene)) {
+    opened = UniqueFd(::open(QFile::encodeName(scene).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!opened) failToRead(scene, errno);
+  }
+  const int fd = opened ? opened.get() : STDIN_FILENO;
+  QByteArray bytes;
+  QByteArray piece(1 << 16, '\0');
+  while (bytes.size() <= maxDocumentBytes) {
+    pollfd waiting{fd, POLLIN, 0};
+    if (::poll(&waiting, 1, 0) == 0) {
+      co_await pause(10ms, stop);
+      continue;
+    }
+    const ssize_t count = ::read(fd, piece.data(), static_cast<size_t>(piece.size()));
+    if (count == 0) break;
+    if (count > 0)
+      bytes.append(piece.constData(), count);
+    else if (errno != EINTR && errno != EAGAIN)
+      failToRead(scene, errno);
+  }
+  co_return bytes;
+}
+
+SequenceDocument decodeScene(const QByteArray& bytes, const QString& scene) {
   try {
     SequenceDocument document = decodeDocument(bytes);
     // A colon would lead to what is built into the program.
@@ -85,16 +110,28 @@ void checkOutputs(const RenderJob& job, const SequenceDocument& document) {
   }
 }
 
-/// Replaces the file once everything is written.
-void saveFile(const QString& path, const std::function<bool(QIODevice&)>& write) {
-  const QFileInfo info(path);
-  if (info.exists() && !info.isFile())
-    throw Error(u"%1: it cannot be written: it is %2"_s.arg(
-        path, info.isDir() ? u"a directory"_s : u"not a regular file"_s));
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly) || !write(file) || !file.commit())
-    throw Error(u"%1: it cannot be written: %2"_s.arg(path, file.errorString().toLower()));
-}
+/// A file that replaces the one at its path once everything is written.
+class Output {
+ public:
+  explicit Output(const QString& path) : file_(path) {
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
+      throw Error(u"%1: it cannot be written: it is %2"_s.arg(
+          path, info.isDir() ? u"a directory"_s : u"not a regular file"_s));
+    require(file_.open(QIODevice::WriteOnly));
+  }
+
+  void write(const QByteArray& bytes) { require(file_.write(bytes) == bytes.size()); }
+  void commit() { require(file_.commit()); }
+
+ private:
+  void require(bool succeeded) const {
+    if (!succeeded)
+      throw Error(u"%1: it cannot be written: %2"_s.arg(file_.fileName(), file_.errorString().toLower()));
+  }
+
+  QSaveFile file_;
+};
 
 void saveStill(const SequenceDocument& document, const RenderJob& job) {
   SequencePlayer player(document);
@@ -108,28 +145,28 @@ void saveStill(const SequenceDocument& document, const RenderJob& job) {
   buffer.open(QIODevice::WriteOnly);
   if (!QImageWriter(&buffer, "png").write(picture))
     throw Error(u"%1: there is not enough memory for the picture"_s.arg(job.still));
-  saveFile(job.still, [&png](QIODevice& file) { return file.write(png) == png.size(); });
+  Output file(job.still);
+  file.write(png);
+  file.commit();
 }
 
-void saveSoundtrack(const SequenceDocument& document, const RenderJob& job) {
+QCoro::Task<> saveSoundtrack(const SequenceDocument& document, QString path, std::stop_token stop) {
   constexpr qint64 pieceFrames = 1 << 20;
   const qint64 total = NotificationSounds::soundtrackFrames(document);
   const QByteArray header = wavHeader(total * 4, 2);
-  saveFile(job.soundtrack, [&](QIODevice& file) {
-    bool isWritten = file.write(header) == header.size();
-    for (qint64 first = 0; isWritten && first < total; first += pieceFrames) {
-      const QByteArray piece =
-          NotificationSounds::stereoPCM(document, first, std::min(total - first, pieceFrames));
-      isWritten = file.write(piece) == piece.size();
-    }
-    return isWritten;
-  });
+  Output file(path);
+  file.write(header);
+  for (qint64 first = 0; first < total; first += pieceFrames) {
+    file.write(NotificationSounds::stereoPCM(document, first, std::min(total - first, pieceFrames)));
+    co_await pause(0ms, stop);
+  }
+  file.commit();
 }
 
 }  // namespace
 
 QCoro::Task<> runRenderJob(RenderJob job, RenderProgress progress, std::stop_token stop) {
-  const SequenceDocument document = loadScene(job.scene);
+  const SequenceDocument document = decodeScene(co_await readScene(job.scene, stop), job.scene);
   if (!job.movie.isEmpty() || !job.soundtrack.isEmpty()) {
     try {
       VideoExporter::requireExportable(document);
@@ -139,7 +176,7 @@ QCoro::Task<> runRenderJob(RenderJob job, RenderProgress progress, std::stop_tok
   }
   checkOutputs(job, document);
   if (!job.still.isEmpty()) saveStill(document, job);
-  if (!job.soundtrack.isEmpty()) saveSoundtrack(document, job);
+  if (!job.soundtrack.isEmpty()) co_await saveSoundtrack(document, job.soundtrack, stop);
   if (!job.movie.isEmpty()) co_await VideoExporter::exportMovie(document, job.movie, progress, stop);
 }
 

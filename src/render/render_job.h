@@ -12,7 +12,7 @@ namespace brisklet {
 using RenderProgress = std::function<void(qint64 framesDone, qint64 frames)>;
 
 /// Makes what the job asks for: the still, then the soundtrack, then the movie. Throws `Error`, which names
-/// the file that it is about.
+/// the file that it is about, and `ExportCancelled` soon after a stop is requested.
 [[nodiscard]] QCoro::Task<> runRenderJob(RenderJob job, RenderProgress progress, std::stop_token stop);
 
 }  // namespace brisklet

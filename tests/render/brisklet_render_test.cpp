@@ -158,15 +158,25 @@ TEST_F(BriskletRender, anInterruptEndsItWithItsOwnStatus) {
   QByteArray scene = R"({"notifications": [)";
   for (int i = 0; i < 3000; ++i) scene += "{\"delayMs\": " + QByteArray::number(i * 34) + "},";
   write("long.json", scene + "{}]}");
-  QProcess process;
-  start(process, {"long.json", "out.mp4"});
-  for (int i = 0; i < 600 && !QFile::exists(file("out.mp4")); ++i) process.waitForFinished(50);
-  ASSERT_TRUE(QFile::exists(file("out.mp4")));
-  kill(static_cast<pid_t>(process.processId()), SIGINT);
-  ASSERT_TRUE(process.waitForFinished(30000));
-  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-  EXPECT_EQ(process.exitCode(), 130);
-  EXPECT_TRUE(process.readAllStandardError().contains("interrupted"));
+  write("hours.json", R"({"notifications": [{"delayMs": 20000000}]})");
+  // While it encodes, while it waits for a scene, and while it writes a soundtrack of hours.
+  for (const QStringList& arguments : {QStringList{"long.json", "out.mp4"}, QStringList{"-", "never.mp4"},
+                                       QStringList{"hours.json", "--soundtrack", "out.wav"}}) {
+    SCOPED_TRACE(arguments.first().toStdString());
+    QProcess process;
+    start(process, arguments);
+    const bool makesNothingYet = arguments.first() == "-";
+    for (int i = 0; i < (makesNothingYet ? 20 : 600); ++i) {
+      process.waitForFinished(50);
+      if (!QDir(directory.path()).entryList({arguments.last() + '*'}).isEmpty()) break;
+    }
+    kill(static_cast<pid_t>(process.processId()), SIGINT);
+    ASSERT_TRUE(process.waitForFinished(30000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 130);
+    EXPECT_TRUE(process.readAllStandardError().contains("interrupted"));
+  }
+  EXPECT_EQ(QDir(directory.path()).entryList({"*.wav*"}), QStringList());
 }
 
 }  // namespace

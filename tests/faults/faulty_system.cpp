@@ -1,15 +1,20 @@
 #include <dlfcn.h>
+#include <pthread.h>
 #include <sys/time.h>
 #include <time.h>
 
 #include <atomic>
+#include <cerrno>
+#include <cstdlib>
 
 // Loaded before a program's libraries, it makes the time of day jump back and forth by up to ten years, at
-// every look. Clocks that only count go on as they do.
+// every look. Clocks that only count go on as they do. With BRISKLET_MOST_THREADS, no more than so many
+// threads can be started.
 
 namespace {
 
 std::atomic<unsigned> looks = 0;
+std::atomic<int> threads = 0;
 
 time_t jumped(time_t seconds) {
   return seconds + static_cast<time_t>(looks++ * 2654435761U % 630720000U) - 315360000;
@@ -36,4 +41,12 @@ extern "C" time_t time(time_t* now) {
   clock_gettime(CLOCK_REALTIME, &precise);
   if (now) *now = precise.tv_sec;
   return precise.tv_sec;
+}
+
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
+                              void* argument) {
+  static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  const char* most = std::getenv("BRISKLET_MOST_THREADS");
+  if (most && threads++ >= std::atoi(most)) return EAGAIN;
+  return real(thread, attributes, run, argument);
 }
