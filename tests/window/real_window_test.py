@@ -6,6 +6,7 @@ real_window_test.py PROGRAM
 
 import json
 import os
+import resource
 import shutil
 import subprocess
 import sys
@@ -26,6 +27,7 @@ FIRST_ROW, REMOVE_FIRST = (1150, 130), (1275, 115)
 
 # Centres of controls in the left column: x, and how far below or above which rule. The blocks between the rules are
 # as high as there are wallpapers, apps and templates.
+SECOND_WALLPAPER = (70, 0, 66)
 INSTAGRAM, CASH_APP = (79, 1, 62), (209, 1, 62)
 SECOND_TYPE = (207, 2, 58)
 DELAY, ADD_PING = (144, -1, -79), (144, -1, -35)
@@ -189,6 +191,26 @@ def make_a_movie(program, window_manager):
         expect(studio.studio.wait(20) == 0, "The program ends well.")
 
 
+def run_out_of_memory(program):
+    with StudioSession(program) as studio:
+        pid = studio.studio.pid
+        with open("/proc/%d/statm" % pid, encoding="ascii") as sizes:
+            bytes_taken = int(sizes.read().split()[0]) * resource.getpagesize()
+        if bytes_taken > 1 << 40:
+            print("  not tried: a sanitizer takes all addresses")
+            return
+        resting_stage(studio)
+        resource.prlimit(pid, resource.RLIMIT_AS, (bytes_taken + (4 << 20), resource.RLIM_INFINITY))
+        click(studio, SECOND_WALLPAPER)
+        studio.wait(lambda: not is_near(studio.seen().pixel(144, 840), PAPER), "The alert is shown.")
+        resource.prlimit(pid, resource.RLIMIT_AS, (resource.RLIM_INFINITY, resource.RLIM_INFINITY))
+        studio.key("Return")
+        studio.wait(lambda: is_near(studio.seen().pixel(144, 840), PAPER), "The alert is gone.")
+        before = resting_stage(studio)
+        click(studio, ADD_PING)
+        expect(resting_stage(studio) != before, "The studio goes on.")
+
+
 def main():
     missing = [tool for tool in NEEDED_TOOLS + ("openbox", "xprop", "ffmpeg", "ffprobe") if not shutil.which(tool)]
     if missing:
@@ -198,6 +220,9 @@ def main():
         print("With a window manager:" if window_manager else "Without one, and with a session bus that never answers:", flush=True)
         make_a_movie(os.path.abspath(sys.argv[1]), window_manager)
         print("  all as expected", flush=True)
+    print("With too little memory for another wallpaper:", flush=True)
+    run_out_of_memory(os.path.abspath(sys.argv[1]))
+    print("  all as expected", flush=True)
     return 0
 
 
