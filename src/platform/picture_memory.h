@@ -4,15 +4,18 @@
 #include <new>
 #include <utility>
 
+#include "platform/spare_memory.h"
+
 namespace brisklet {
 
 // A QImage whose memory cannot be had becomes null, and what is painted on it is lost without a word.
 // Pictures that must be complete are made, copied and written through these, which throw `std::bad_alloc`
-// instead.
+// instead, while there is still some left for what comes with them.
 
 /// The image that a conversion of another one gave.
 [[nodiscard]] inline QImage whole(QImage image) {
   if (image.isNull()) throw std::bad_alloc();
+  requireSpareMemory();
   return image;
 }
 
