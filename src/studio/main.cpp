@@ -9,6 +9,7 @@
 #include "platform/image_decoder.h"
 #include "platform/picture_threads.h"
 #include "platform/session_bus.h"
+#include "platform/spare_memory.h"
 #include "sound/notification_sound_player.h"
 #include "studio/brisklet_app.h"
 
@@ -73,6 +74,8 @@ int main(int argc, char** argv) {
   services.saveWallpaper = WallpaperStore::save;
 
   BriskletApp app(services, makeFilePanels);
+  // With the first control Qt starts a thread of its own, and does not look whether it could.
+  requireSpareMemory();
   app.openWindow();
   return QApplication::exec();
 }
