@@ -15,7 +15,8 @@ namespace brisklet {
 /// The image that a conversion of another one gave.
 [[nodiscard]] inline QImage whole(QImage image) {
   if (image.isNull()) throw std::bad_alloc();
-  requireSpareMemory();
+  // Small ones are what a message about missing memory is painted with.
+  if (image.sizeInBytes() >= 1 << 20) requireSpareMemory();
   return image;
 }
 

@@ -2,7 +2,6 @@
 
 #include "platform/characters.h"
 #include "platform/emoji.h"
-#include "platform/spare_memory.h"
 
 #include <QFontMetricsF>
 #include <QTextCharFormat>
@@ -102,7 +101,6 @@ void appendJapaneseFormats(const QString& text, const QFont& font, QList<QTextLa
 /// A layout of the text that has no lines yet.
 std::unique_ptr<QTextLayout> begunLayout(const QString& text, const QFont& font,
                                          QTextOption::WrapMode wrapping) {
-  requireSpareMemory();
   TextWithEmoji shown = withColorEmoji(text, font);
   appendJapaneseFormats(shown.text, font, shown.formats);
   auto layout = std::make_unique<QTextLayout>(shown.text, font);
