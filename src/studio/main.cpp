@@ -74,8 +74,10 @@ int main(int argc, char** argv) {
   services.saveWallpaper = WallpaperStore::save;
 
   BriskletApp app(services, makeFilePanels);
-  // With the first control Qt starts a thread of its own, and does not look whether it could.
+  // With the first control Qt starts a thread of its own, and does not look whether it could; nor whether
+  // there was room for what the window is painted in.
   requireSpareMemory();
   app.openWindow();
+  requireSpareMemory();
   return QApplication::exec();
 }
