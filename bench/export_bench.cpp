@@ -1,6 +1,18 @@
 // Measures exports as whole processes, beside the same movies with every frame encoded, and the stages of an
 // export one at a time: brisklet_export_bench BRISKLET_RENDER. Prints Markdown tables.
 
+#include "base/unique_fd.h"
+#include "export/event_loop.h"
+#include "export/video_exporter.h"
+#include "lockscreen/lock_screen_view.h"
+#include "model/document_json.h"
+#include "movie/aac_encoder.h"
+#include "movie/held_picture_encoder.h"
+#include "movie/mp4_file.h"
+#include "ping_scene.h"
+#include "playback/sequence_player.h"
+#include "sound/notification_sounds.h"
+
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -16,18 +28,6 @@
 #include <cstdio>
 #include <functional>
 #include <vector>
-
-#include "base/wait_for_task.h"
-#include "export/video_exporter.h"
-#include "lockscreen/lock_screen_view.h"
-#include "model/document_json.h"
-#include "ping_scene.h"
-#include "platform/aac_encoder.h"
-#include "platform/held_picture_encoder.h"
-#include "platform/mp4_file.h"
-#include "platform/unique_fd.h"
-#include "playback/sequence_player.h"
-#include "sound/notification_sounds.h"
 
 using namespace brisklet;
 
@@ -110,9 +110,8 @@ Stages stages(const SequenceDocument& document, const QString& path) {
     }
     visible = now;
     QImage image;
-    const double time = seconds([&] {
-      image = captureFrame({document, player, CaptureMode::Capture}, cache);
-    });
+    const auto draw = [&] { image = captureFrame({document, player, Rendering::Movie}, cache); };
+    const double time = seconds(draw);
     (pictures.empty() ? result.firstPicture : result.otherPictures) += time;
     pictures.push_back({image, 1});
   }

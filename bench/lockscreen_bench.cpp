@@ -1,9 +1,9 @@
+#include "lockscreen/lock_screen_view.h"
+#include "ping_scene.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QGuiApplication>
-
-#include "lockscreen/lock_screen_view.h"
-#include "ping_scene.h"
 
 namespace brisklet {
 namespace {
@@ -21,7 +21,7 @@ void movieFrame(benchmark::State& state) {
   const auto nextFrame = [&] {
     player.setElapsedMs(last ? fifthMs : sixthMs);
     last = !last;
-    return captureFrame({sixPings, player, CaptureMode::Capture}, cache);
+    return captureFrame({sixPings, player, Rendering::Movie}, cache);
   };
   nextFrame();  // with what is made once
   for (auto _ : state) benchmark::DoNotOptimize(nextFrame());
@@ -31,7 +31,7 @@ BENCHMARK(movieFrame)->Unit(benchmark::kMillisecond);
 /// A frame of the stage at two pixels a point, in the default window, while a card arrives and one leaves.
 void liveFrame(benchmark::State& state) {
   SequencePlayer player(sixPings);
-  const LockScreenView view{sixPings, player, CaptureMode::Live};
+  const LockScreenView view{sixPings, player, Rendering::Live};
   const double scale = 2 * 727.0 / LockScreenMetrics::canvasHeight;
   QImage stage(672, 1454, QImage::Format_ARGB32_Premultiplied);
   QPainter painter(&stage);
@@ -55,12 +55,12 @@ BENCHMARK(liveFrame)->Unit(benchmark::kMillisecond);
 /// The stage when nothing changed.
 void idleFrame(benchmark::State& state) {
   SequencePlayer player(sixPings);
-  const LockScreenView view{sixPings, player, CaptureMode::Live};
+  const LockScreenView view{sixPings, player, Rendering::Live};
   QImage stage(672, 1454, QImage::Format_ARGB32_Premultiplied);
   QPainter painter(&stage);
   painter.scale(1.72, 1.72);
   LockScreenCache cache;
-  for (auto _ : state) view.paint(painter, cache);
+  for (auto _ : state) view.paint(painter, cache, view.restingCards());
 }
 BENCHMARK(idleFrame)->Unit(benchmark::kMillisecond);
 

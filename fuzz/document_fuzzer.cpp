@@ -1,11 +1,11 @@
+#include "base/error.h"
+#include "model/document_json.h"
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-
-#include "base/error.h"
-#include "model/document_json.h"
 
 using namespace brisklet;
 

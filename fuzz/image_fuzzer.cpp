@@ -1,16 +1,15 @@
+#include "drawing/image_decoder.h"
+#include "offscreen.h"
+
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <QBuffer>
+#include <QImageReader>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-
-#include <QBuffer>
-#include <QGuiApplication>
-#include <QImageReader>
-
-#include "platform/image_decoder.h"
 
 using namespace brisklet;
 
@@ -27,16 +26,6 @@ bool isLarge(QByteArray bytes) {
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  static int argc = 1;
-  static char name[] = "fuzz_image";
-  static char* argv[] = {name, nullptr};
-  new QGuiApplication(argc, argv);  // for good: Qt objects go before what they need when a process exits
-  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-  return 0;
-}
 
 /// Decodes any bytes as a photo, from a file in memory.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {

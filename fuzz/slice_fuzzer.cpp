@@ -1,10 +1,10 @@
+#include "movie/h264_bitstream.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
-
-#include "platform/h264_bitstream.h"
 
 using namespace brisklet;
 

@@ -1,25 +1,15 @@
+#include "drawing/text_line.h"
+#include "offscreen.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QString>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 
-#include <QGuiApplication>
-#include <QImage>
-#include <QPainter>
-#include <QString>
-
-#include "platform/text_line.h"
-
 using namespace brisklet;
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  static int argc = 1;
-  static char name[] = "fuzz_text_line";
-  static char* argv[] = {name, nullptr};
-  new QGuiApplication(argc, argv);  // for good: Qt objects go before what they need when a process exits
-  return 0;
-}
 
 /// Lays out and draws any text in any width: the first byte says the width, the second the size.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {

@@ -20,7 +20,7 @@ _brisklet_render() {
     --at) COMPREPLY=($(compgen -W end -- "$cur")); return ;;
   esac
   if [[ $cur == -* ]]; then
-    COMPREPLY=($(compgen -W '--still --at --soundtrack --into --quiet --help --version' -- "$cur"))
+    COMPREPLY=($(compgen -W '--still --at --soundtrack --into --quiet --verbose --help --version' -- "$cur"))
   elif [[ $into || $files -eq 0 ]]; then
     _filedir json
   else

@@ -7,8 +7,9 @@ _arguments -s -S \
   '(--into)--still=[make one picture of the scene]:picture:_files -g "*.png(-.)"' \
   '(--into)--at=[the moment of the picture]:seconds:(end)' \
   '(--into)--soundtrack=[write the sound as a WAV file]:sound:_files -g "*.wav(-.)"' \
-  '(--still --at --soundtrack)--into=[make one movie a scene in this directory]:directory:_files -/' \
-  '(-q --quiet)'{-q,--quiet}'[show no progress]' \
+  '(--still --at --soundtrack)--into=[make one movie per scene in this directory]:directory:_files -/' \
+  '(-q --quiet --verbose)'{-q,--quiet}'[show no progress]' \
+  '(-q --quiet)--verbose[tell every step and its time]' \
   '(- *)'{-h,--help}'[show the usage]' \
   '(- *)--version[show the version]' \
   $files

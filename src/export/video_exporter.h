@@ -1,14 +1,14 @@
 #pragma once
 
+#include "base/error.h"
+#include "model/sequence_document.h"
+#include "movie/movie_writer.h"
+
 #include <QCoroTask>
 #include <QString>
 #include <functional>
 #include <memory>
 #include <stop_token>
-
-#include "base/error.h"
-#include "model/sequence_document.h"
-#include "platform/movie_writer.h"
 
 namespace brisklet {
 
@@ -18,12 +18,6 @@ class ExportError : public Error {
   ExportError();
 };
 
-/// An export ended because it was asked to stop. The partial file stays at the destination.
-class ExportCancelled : public Error {
- public:
-  ExportCancelled();
-};
-
 namespace VideoExporter {
 
 inline constexpr int framesPerSecond = 30;
@@ -31,7 +25,7 @@ inline constexpr double longestMs = 24.0 * 60 * 60 * 1000;
 
 /// Frames appended so far, and frames in all. Called on the exporting thread.
 using Progress = std::function<void(qint64 framesDone, qint64 frames)>;
-using MakeWriter = std::function<std::unique_ptr<MovieWriter>(const QString& path)>;
+using MakeWriter = std::function<std::unique_ptr<MovieWriter>(OutputFile file)>;
 
 /// The number of frames of a document's movie; frame i shows the moment i / 30 s. At least one.
 [[nodiscard]] qint64 frameCount(const SequenceDocument& document);
@@ -39,10 +33,10 @@ using MakeWriter = std::function<std::unique_ptr<MovieWriter>(const QString& pat
 /// Throws `Error` for a document that is longer than `longestMs` or never ends.
 void requireExportable(const SequenceDocument& document);
 
-/// Writes the document's movie to `path`, replacing a file that is there. Runs on the calling thread, which
-/// needs an event loop, and suspends whenever it waits, so that the thread's other work goes on; encoding is
-/// done elsewhere. Works on its own copy of the document. Throws `Error`: an `ExportCancelled` once `stop` is
-/// requested, else what went wrong; a failed export leaves no file.
+/// Writes the document's movie to `path`. A file that is there goes when this begins, and the movie is there
+/// when it is complete. Runs on the calling thread, which needs an event loop, and suspends whenever it
+/// waits, so that the thread's other work goes on; encoding is done elsewhere. Works on its own copy of the
+/// document. Throws `Error`: an `ExportCancelled` once `stop` is requested, else what went wrong.
 [[nodiscard]] QCoro::Task<> exportMovie(SequenceDocument document, QString path, Progress progress = {},
                                         std::stop_token stop = {}, MakeWriter makeWriter = makeMovieWriter);
 

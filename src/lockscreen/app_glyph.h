@@ -1,11 +1,12 @@
 #pragma once
 
+#include "model/ping.h"
+
+#include <QCache>
 #include <QImage>
-#include <QList>
 #include <QPainter>
 #include <QPointF>
-
-#include "model/ping.h"
+#include <QStringList>
 
 namespace brisklet {
 
@@ -28,13 +29,7 @@ class AppGlyphCache {
   void paint(QPainter& painter, const AppGlyph& glyph, const QPointF& topLeft);
 
  private:
-  struct Entry {
-    AppGlyph glyph;
-    double pixelsPerPoint;
-    QImage image;
-  };
-  /// The last used one at the end.
-  QList<Entry> entries_;
+  QCache<QStringList, QImage> tiles_{64};
 };
 
 }  // namespace brisklet

@@ -1,9 +1,11 @@
 #include "lockscreen/bundle_image.h"
 
+#include "drawing/image_decoder.h"
+
 #include <QCoreApplication>
 #include <QDir>
 
-#include "platform/image_decoder.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -19,11 +21,10 @@ bool isPlainFileName(const QString& name) {
 std::optional<QImage> BundleImage::named(const QString& name) {
   if (!isPlainFileName(name)) return std::nullopt;
   const QDir programs(QCoreApplication::applicationDirPath());
-  for (const QString& folder :
-       {QStringLiteral(":/images"), programs.filePath(QStringLiteral("images")),
-        QDir::cleanPath(programs.filePath(QStringLiteral("../share/brisklet/images")))}) {
+  for (const QString& folder : {u":/images"_s, programs.filePath(u"images"_s),
+                                QDir::cleanPath(programs.filePath(u"../share/brisklet/images"_s))}) {
     for (const char* ending : {"jpg", "jpeg", "png"}) {
-      const QString path = QStringLiteral("%1/%2.%3").arg(folder, name, QLatin1String(ending));
+      const QString path = u"%1/%2.%3"_s.arg(folder, name, QLatin1String(ending));
       if (auto image = decodeImageFile(path, Transparency::Kept)) return image;
     }
   }

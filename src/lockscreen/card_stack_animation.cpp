@@ -1,10 +1,10 @@
 #include "lockscreen/card_stack_animation.h"
 
+#include "lockscreen/lock_screen_layout.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-
-#include "lockscreen/lock_screen_layout.h"
 
 namespace brisklet {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QList>
-
 #include "model/ping.h"
+
+#include <QList>
 
 namespace brisklet {
 

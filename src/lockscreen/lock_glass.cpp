@@ -1,15 +1,14 @@
 #include "lockscreen/lock_glass.h"
 
+#include "drawing/continuous_corners.h"
+#include "drawing/float_plane.h"
+
 #include <QPainterPath>
 #include <QTransform>
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-
-#include "lockscreen/float_plane.h"
-#include "platform/continuous_corners.h"
-#include "platform/picture_memory.h"
 
 namespace brisklet {
 namespace {
@@ -68,8 +67,8 @@ constexpr Look regularLook{.blur = 8,
                            .shadowBlur = 9,
                            .shadowOffset = 4};
 
-constexpr const Look& lookOf(GlassStyle style) {
-  return style == GlassStyle::Material ? materialLook : regularLook;
+constexpr const Look& lookOf(Rendering rendering) {
+  return rendering == Rendering::Movie ? materialLook : regularLook;
 }
 
 /// Where the light comes from, as a unit vector in the picture.
@@ -159,13 +158,14 @@ PlateColor plateColor(float red, float green, float blue, float saturation) {
 
 /// A share of 0 to 1 as 16-bit fixed point.
 std::uint16_t fixedShare(float share) {
-  return std::uint16_t(share * 65535 + 0.5F);
+  return static_cast<std::uint16_t>(share * 65535 + 0.5F);
 }
 
 /// Dither of a row of pixels as 8.8 fixed point, each value for the four bytes of a pixel.
 std::array<std::uint16_t, 32> ditherRow(int firstX, int y) {
   std::array<std::uint16_t, 32> row;
-  for (int i = 0; i < 32; ++i) row[std::size_t(i)] = std::uint16_t(ditherAt(firstX + i / 4, y) * 256);
+  for (int i = 0; i < 32; ++i)
+    row[static_cast<std::size_t>(i)] = static_cast<std::uint16_t>(ditherAt(firstX + i / 4, y) * 256);
   return row;
 }
 
@@ -173,9 +173,10 @@ std::array<std::uint16_t, 32> ditherRow(int firstX, int y) {
 /// shares of all that is mixed add up to one at most and the dither stays below one.
 uchar mixed(uchar one, std::uint16_t oneShare, uchar other, std::uint16_t otherShare, std::uint16_t added) {
   const auto high = [](uchar byte, std::uint16_t share) {
-    return std::uint16_t(std::uint32_t(byte) * share >> 8);
+    return static_cast<std::uint16_t>(static_cast<std::uint32_t>(byte) * share >> 8);
   };
-  return uchar(std::uint16_t(high(one, oneShare) + high(other, otherShare) + added) >> 8);
+  return static_cast<uchar>(
+      static_cast<std::uint16_t>(high(one, oneShare) + high(other, otherShare) + added) >> 8);
 }
 
 /// Sets the target's pixels from `begin` to `end` to shares of the source, of what is there, of white, and of
@@ -184,8 +185,8 @@ void blendEvenly(QRgb* target, const QRgb* source, int begin, int end, int y, fl
                  float targetShare, float white, float gleam) {
   const std::uint16_t one = fixedShare(sourceShare), other = fixedShare(targetShare);
   std::array<std::uint16_t, 32> added = ditherRow(begin, y);
-  for (std::uint16_t& value : added) value = std::uint16_t(value + white * (255 * 256));
-  const auto gleaming = std::uint16_t(gleam * 256);
+  for (std::uint16_t& value : added) value = static_cast<std::uint16_t>(value + white * (255 * 256));
+  const auto gleaming = static_cast<std::uint16_t>(gleam * 256);
   auto* to = reinterpret_cast<uchar*>(target + begin);
   const int bytes = 4 * (end - begin);
   // In blocks as long as the dither, so that the compiler makes them vectors.
@@ -199,7 +200,7 @@ void blendEvenly(QRgb* target, const QRgb* source, int begin, int end, int y, fl
     std::array<uchar, 32> out{};
     std::copy_n(to + i, size, out.begin());
     for (std::size_t k = 0; k < 32; ++k)
-      out[k] = mixed(from[k], one, out[k], other, std::uint16_t(added[k] + shine[k] * gleaming));
+      out[k] = mixed(from[k], one, out[k], other, static_cast<std::uint16_t>(added[k] + shine[k] * gleaming));
     std::copy_n(out.begin(), size, to + i);
   }
   for (int x = begin; x < end; ++x) target[x] |= 0xff000000;
@@ -207,7 +208,8 @@ void blendEvenly(QRgb* target, const QRgb* source, int begin, int end, int y, fl
 
 void accumulate(std::vector<std::uint16_t>& sum, const QRgb* row, int weight) {
   const auto* bytes = reinterpret_cast<const uchar*>(row);
-  for (std::size_t i = 0; i < sum.size(); ++i) sum[i] = std::uint16_t(sum[i] + bytes[i] * weight);
+  for (std::size_t i = 0; i < sum.size(); ++i)
+    sum[i] = static_cast<std::uint16_t>(sum[i] + bytes[i] * weight);
 }
 
 /// The share of a Gaussian edge's far side, for a distance in standard deviations.
@@ -215,11 +217,21 @@ double gaussianTail(double distance) {
   return 0.5 * std::erfc(distance / std::sqrt(2.0));
 }
 
-}  // namespace
+/// A row of the picture that is seen through a plate; what lies beyond its ends continues them.
+struct BackdropRow {
+  BackdropRow(const QImage& picture, int y)
+      : pixels(reinterpret_cast<const QRgb*>(picture.constScanLine(std::clamp(y, 0, picture.height() - 1)))),
+        width(picture.width()) {}
+
+  [[nodiscard]] QRgb at(int x) const { return pixels[std::clamp(x, 0, width - 1)]; }
+
+  const QRgb* pixels;
+  int width;
+};
 
 /// Pixels of a row before they are blended: what shows through, and its share, that of what is there, and
 /// that of white. The four bytes of a pixel have the same shares: each is stored four times over.
-struct LockGlass::RowMix {
+struct RowMix {
   explicit RowMix(std::size_t pixels)
       : sources(pixels), sourceShares(4 * pixels), targetShares(4 * pixels), whites(4 * pixels) {}
 
@@ -227,7 +239,7 @@ struct LockGlass::RowMix {
     sources[at] = source;
     std::fill_n(&sourceShares[4 * at], 4, fixedShare(sourceShare));
     std::fill_n(&targetShares[4 * at], 4, fixedShare(targetShare));
-    std::fill_n(&whites[4 * at], 4, std::uint16_t(white * (255 * 256)));
+    std::fill_n(&whites[4 * at], 4, static_cast<std::uint16_t>(white * (255 * 256)));
   }
 
   /// Blends `count` pixels from `begin` on into the row's pixels from `x` on, those that it has.
@@ -235,7 +247,7 @@ struct LockGlass::RowMix {
     const int skipped = std::max(0, -x);
     count = std::min(count, width - x) - skipped;
     if (count <= 0) return;
-    const auto from = std::size_t(begin + skipped);
+    const auto from = static_cast<std::size_t>(begin + skipped);
     const auto* bytes = reinterpret_cast<const uchar*>(sources.data() + from);
     const std::uint16_t* ones = sourceShares.data() + 4 * from;
     const std::uint16_t* others = targetShares.data() + 4 * from;
@@ -243,8 +255,8 @@ struct LockGlass::RowMix {
     const std::array<std::uint16_t, 32> dither = ditherRow(x + skipped, y);
     auto* out = reinterpret_cast<uchar*>(target + x + skipped);
     const auto blendByte = [&](int i, int phase) {
-      out[i] =
-          mixed(bytes[i], ones[i], out[i], others[i], std::uint16_t(added[i] + dither[std::size_t(phase)]));
+      out[i] = mixed(bytes[i], ones[i], out[i], others[i],
+                     static_cast<std::uint16_t>(added[i] + dither[static_cast<std::size_t>(phase)]));
     };
     // In blocks as long as the dither, so that the compiler makes them vectors.
     const int size = 4 * count;
@@ -260,21 +272,20 @@ struct LockGlass::RowMix {
   std::vector<std::uint16_t> sourceShares, targetShares, whites;
 };
 
-/// What painting a row works on.
-struct LockGlass::Scratch {
-  explicit Scratch(int columns) : mix(std::size_t(2 * columns)) {}
+}  // namespace
 
+struct LockGlass::Scratch {
   FieldRow above, here, below, shadow;
   RowMix mix;
 };
 
-QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle style) {
-  const Look& look = lookOf(style);
+QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, Rendering rendering) {
+  const Look& look = lookOf(rendering);
   const QSize pixels = wallpaper.size();
   const QSize cells(std::max(1, qRound(pixels.width() / (gridStep * pixelsPerPoint))),
                     std::max(1, qRound(pixels.height() / (gridStep * pixelsPerPoint))));
-  const QImage small = whole(wallpaper.scaled(cells, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                                 .convertToFormat(QImage::Format_RGB32));
+  const QImage small = wallpaper.scaled(cells, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                           .convertToFormat(QImage::Format_RGB32);
 
   // Red, green, blue and gleam.
   std::array<FloatPlane, 4> planes;
@@ -284,7 +295,7 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
     for (int y = 0; y < cells.height(); ++y) {
       const auto* line = reinterpret_cast<const QRgb*>(small.constScanLine(y));
       for (int x = 0; x < cells.width(); ++x)
-        plane.row(y)[x] = float(line[x] >> (16 - 8 * channel) & 0xff) / 255;
+        plane.row(y)[x] = static_cast<float>(line[x] >> (16 - 8 * channel) & 0xff) / 255;
     }
     planes[channel] = blurred(plane, look.blur / gridStep);
   }
@@ -297,12 +308,12 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
     planes[2].samples[i] = color.blue;
   }
 
-  QImage backdrop = newPicture(pixels, QImage::Format_RGB32);
-  const double cellsPerPixelX = double(cells.width()) / pixels.width();
-  const double cellsPerPixelY = double(cells.height()) / pixels.height();
+  QImage backdrop(pixels, QImage::Format_RGB32);
+  const double cellsPerPixelX = static_cast<double>(cells.width()) / pixels.width();
+  const double cellsPerPixelY = static_cast<double>(cells.height()) / pixels.height();
   const PlaneEnlarger enlarger(cells.width(), pixels.width(), cellsPerPixelX);
   std::array<std::vector<float>, 4> rows;
-  for (auto& row : rows) row.resize(std::size_t(pixels.width()));
+  for (auto& row : rows) row.resize(static_cast<std::size_t>(pixels.width()));
   for (int y = 0; y < pixels.height(); ++y) {
     for (std::size_t channel = 0; channel < 4; ++channel)
       enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
@@ -310,7 +321,8 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
     for (int x = 0; x < pixels.width(); ++x) {
       const float dither = ditherAt(x, y);
       const auto level = [&](std::size_t channel) {
-        return std::clamp(int(rows[channel][std::size_t(x)] * 255 + dither), 0, 255);
+        return std::clamp(static_cast<int>(rows[channel][static_cast<std::size_t>(x)] * 255 + dither), 0,
+                          255);
       };
       line[x] = qRgba(level(0), level(1), level(2), level(3));
     }
@@ -318,12 +330,12 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle 
   return backdrop;
 }
 
-LockGlass::LockGlass(const QSize& plateSize, double cornerRadius, double pixelsPerPoint, GlassStyle style)
+LockGlass::LockGlass(const QSize& plateSize, double cornerRadius, double pixelsPerPoint, Rendering rendering)
     : size_(plateSize),
-      margin_(int(std::ceil(shadowReach * pixelsPerPoint))),
-      flow_(float(std::max(1.0, std::floor(flowDistance * pixelsPerPoint) - 1))) {
+      margin_(static_cast<int>(std::ceil(shadowReach * pixelsPerPoint))),
+      flow_(static_cast<float>(std::max(1.0, std::floor(flowDistance * pixelsPerPoint) - 1))) {
   buildField(cornerRadius * pixelsPerPoint);
-  buildLight(pixelsPerPoint, style);
+  buildLight(pixelsPerPoint, rendering);
 }
 
 void LockGlass::buildField(double radius) {
@@ -352,11 +364,11 @@ void LockGlass::buildField(double radius) {
       if (inQuarter(p) && p.y() < 0.02) cornerWidth = std::max(cornerWidth, p.x());
     }
   }
-  const int cornerColumns = std::min(int(std::ceil(cornerWidth)) + 1, size_.width() / 2);
+  const int cornerColumns = std::min(static_cast<int>(std::ceil(cornerWidth)) + 1, size_.width() / 2);
   columns_ = margin_ + cornerColumns;
   rows_ = margin_ + (size_.height() + 1) / 2 + 2;
 
-  field_.resize(std::size_t(columns_) * std::size_t(rows_));
+  field_.resize(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_));
   for (int row = 0; row < rows_; ++row) {
     for (int column = 0; column < columns_; ++column) {
       const QPointF p(column - margin_ + 0.5, row - margin_);
@@ -372,33 +384,33 @@ void LockGlass::buildField(double radius) {
         // The outline runs clockwise on the screen, so its inside lies to its right.
         side = segment.along.x() * from.y() - segment.along.y() * from.x() > 0 ? -1 : 1;
       }
-      field_[std::size_t(row) * std::size_t(columns_) + std::size_t(column)] =
-          float(side * std::sqrt(nearest));
+      field_[static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
+             static_cast<std::size_t>(column)] = static_cast<float>(side * std::sqrt(nearest));
     }
   }
 }
 
-void LockGlass::buildLight(double pixelsPerPoint, GlassStyle style) {
-  const Look& look = lookOf(style);
+void LockGlass::buildLight(double pixelsPerPoint, Rendering rendering) {
+  const Look& look = lookOf(rendering);
   const double deepest =
       std::max(look.bendDepth, fadeRanges * std::max(look.glowDepth, look.gleamDepth)) * pixelsPerPoint;
-  for (int step = 0; step <= int(deepest * stepsPerPixel); ++step) {
+  for (int step = 0; step <= static_cast<int>(deepest * stepsPerPixel); ++step) {
     const double depth = step / (stepsPerPixel * pixelsPerPoint);
     Depth light{};
     if (depth < look.bendDepth) {
       // The slope of a rim rounded to a quarter circle: steep at the edge, level at the end of the bend.
       const double outwards = 1 - depth / look.bendDepth;
-      light.bend = float(look.bend * pixelsPerPoint * (1 - std::sqrt(1 - outwards * outwards)));
+      light.bend = static_cast<float>(look.bend * pixelsPerPoint * (1 - std::sqrt(1 - outwards * outwards)));
     }
-    light.hairline = float(std::clamp(1.5 - depth / look.hairline, 0.0, 1.0));
+    light.hairline = static_cast<float>(std::clamp(1.5 - depth / look.hairline, 0.0, 1.0));
     // An exponential that ends.
     const auto faded = [depth](double range) {
       return std::exp(-depth / range) * std::max(0.0, 1 - depth / (fadeRanges * range));
     };
     const double spread = faded(look.glowDepth);
-    light.gleam = look.gleam * float(faded(look.gleamDepth));
-    light.glow = look.glow * float(spread);
-    light.shade = look.shade * float(spread);
+    light.gleam = look.gleam * static_cast<float>(faded(look.gleamDepth));
+    light.glow = look.glow * static_cast<float>(spread);
+    light.shade = look.shade * static_cast<float>(spread);
     depths_.push_back(light);
   }
 
@@ -406,7 +418,7 @@ void LockGlass::buildLight(double pixelsPerPoint, GlassStyle style) {
   for (int step = 0; step <= 2 * farthest; ++step) {
     const double distance = (step - farthest) / (stepsPerPixel * pixelsPerPoint);
     const double fade = std::clamp((shadowReach - distance) / 8, 0.0, 1.0);
-    shadow_.push_back(look.shadow * float(gaussianTail(distance / look.shadowBlur) * fade));
+    shadow_.push_back(look.shadow * static_cast<float>(gaussianTail(distance / look.shadowBlur) * fade));
   }
   shadowOffset_ = look.shadowOffset * pixelsPerPoint;
   baseLight_ = look.baseLight;
@@ -414,54 +426,65 @@ void LockGlass::buildLight(double pixelsPerPoint, GlassStyle style) {
   farLight_ = look.farLight;
 }
 
-void LockGlass::setFar(FieldRow& row) const {
-  row.side.assign(std::size_t(columns_), float(margin_));
-  row.middle = float(margin_);
-}
-
-bool LockGlass::fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const {
-  bool any = false;
-  row.side.resize(std::size_t(columns_));
+void LockGlass::fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const {
+  row.assign(static_cast<std::size_t>(columns_) + 1, static_cast<float>(margin_));
   const double middle = size_.height() / 2.0;
+  bool any = false;
   for (const GlassPlate& plate : plates) {
     // Rows below the middle mirror those above it.
     const double inwards = middle - std::abs(y - plate.top - middle);
     const double position = inwards + margin_;
     if (position < 0) continue;
-    const int upper = std::min(int(position), rows_ - 2);
-    const float lowerShare = float(position - upper);
-    const float* a = field_.data() + std::size_t(upper) * std::size_t(columns_);
+    const int upper = std::min(static_cast<int>(position), rows_ - 2);
+    const float lowerShare = static_cast<float>(position - upper);
+    const float* a = field_.data() + static_cast<std::size_t>(upper) * static_cast<std::size_t>(columns_);
     const float* b = a + columns_;
-    const auto straight = float(-inwards);
-    float* out = row.side.data();
-    if (!any) {
-      for (int i = 0; i < columns_; ++i) out[i] = a[i] + lowerShare * (b[i] - a[i]);
-      row.middle = straight;
-      any = true;
-      continue;
-    }
     const float invFlow = 1 / (4 * flow_);
     const auto united = [this, invFlow](float one, float other) {
       const float closeness = std::max(flow_ - std::abs(one - other), 0.0F);
       return std::min(one, other) - closeness * closeness * invFlow;
     };
-    for (int i = 0; i < columns_; ++i) out[i] = united(out[i], a[i] + lowerShare * (b[i] - a[i]));
-    row.middle = united(row.middle, straight);
+    float* out = row.data();
+    if (any) {
+      for (int i = 0; i < columns_; ++i) out[i] = united(out[i], a[i] + lowerShare * (b[i] - a[i]));
+      out[columns_] = united(out[columns_], static_cast<float>(-inwards));
+    } else {
+      for (int i = 0; i < columns_; ++i) out[i] = a[i] + lowerShare * (b[i] - a[i]);
+      out[columns_] = static_cast<float>(-inwards);
+    }
+    any = true;
   }
-  return any;
 }
 
-void LockGlass::light(float distance, float shadowDistance, Column& column) const {
-  const auto shadowIndex = int((shadowDistance + float(margin_)) * stepsPerPixel + 0.5F);
-  const float around = 1 - shadow_[std::size_t(std::clamp(shadowIndex, 0, int(shadow_.size()) - 1))];
+LockGlass::Column LockGlass::columnAt(const Scratch& scratch, int index) const {
+  const auto at = static_cast<std::size_t>(index), last = static_cast<std::size_t>(columns_);
+  const FieldRow& here = scratch.here;
+  const float distance = here[at];
+  const auto shadowIndex =
+      static_cast<int>((scratch.shadow[at] + static_cast<float>(margin_)) * stepsPerPixel + 0.5F);
+  Column column{};
   column.cover = std::clamp(0.5F - distance, 0.0F, 1.0F);
-  column.around = around * (1 - column.cover);
-  const auto index = std::size_t(std::max(0.0F, -distance) * stepsPerPixel + 0.5F);
-  column.depth = column.cover > 0 && index < depths_.size() ? &depths_[index] : nullptr;
+  column.around =
+      (1 -
+       shadow_[static_cast<std::size_t>(std::clamp(shadowIndex, 0, static_cast<int>(shadow_.size()) - 1))]) *
+      (1 - column.cover);
+  const auto depth = static_cast<std::size_t>(std::max(0.0F, -distance) * stepsPerPixel + 0.5F);
+  if (column.cover <= 0 || depth >= depths_.size()) return column;
+  column.depth = &depths_[depth];
+  const float outX = at == last ? 0 : here[at + 1] - here[at > 0 ? at - 1 : 0];
+  const float outY = scratch.below[at] - scratch.above[at];
+  if (const float square = outX * outX + outY * outY; square > 0) {
+    const float toUnit = 1 / std::sqrt(square);
+    column.outX = outX * toUnit;
+    column.outY = outY * toUnit;
+  }
+  return column;
 }
 
-LockGlass::Shine LockGlass::shine(const Depth& depth, float outX, float outY) const {
-  const float facing = outX * lightX + outY * lightY;
+LockGlass::Shine LockGlass::shine(const Column& column) const {
+  if (!column.depth) return {1, 0, 0};
+  const Depth& depth = *column.depth;
+  const float facing = column.outX * lightX + column.outY * lightY;
   const float square = facing * facing;
   const float rim = baseLight_ + square * (facing > 0 ? nearLight_ : farLight_);
   const float white = depth.hairline * rim + depth.glow * (facing > 0 ? 0.35F + 0.65F * square : 0.35F);
@@ -471,81 +494,43 @@ LockGlass::Shine LockGlass::shine(const Depth& depth, float outX, float outY) co
 
 void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
                          std::span<const GlassPlate> plates, Scratch& scratch) const {
-  FieldRow& here = scratch.here;
   const double center = y + 0.5;
-  if (!fieldRow(center - shadowOffset_, plates, scratch.shadow)) setFar(scratch.shadow);
-  const bool near = fieldRow(center, plates, here);
-  if (!near) setFar(here);
-  const bool hasAbove = near && fieldRow(center - 1, plates, scratch.above);
-  const bool hasBelow = near && fieldRow(center + 1, plates, scratch.below);
-  const FieldRow& above = hasAbove ? scratch.above : here;
-  const FieldRow& below = hasBelow ? scratch.below : here;
-
-  const int width = backdrop.width();
-  const auto backdropRow = [&](int row) {
-    return reinterpret_cast<const QRgb*>(backdrop.constScanLine(std::clamp(row, 0, backdrop.height() - 1)));
+  fieldRow(center - shadowOffset_, plates, scratch.shadow);
+  fieldRow(center - 1, plates, scratch.above);
+  fieldRow(center, plates, scratch.here);
+  fieldRow(center + 1, plates, scratch.below);
+  const BackdropRow behind(backdrop, y);
+  const auto bentRow = [&](const Column& column) {
+    const int bend = column.depth ? static_cast<int>(column.outY * column.depth->bend) : 0;
+    return bend == 0 ? behind : BackdropRow(backdrop, y - bend);
   };
-  const QRgb* behind = backdropRow(y);
-  RowMix& mix = scratch.mix;
 
   // Both sides at once: they differ in nothing but the direction of the light.
-  const int rightmost = left + size_.width() + margin_ - 1;
+  const int leftmost = left - margin_, rightmost = left + size_.width() + margin_ - 1;
   for (int i = 0; i < columns_; ++i) {
-    const auto at = std::size_t(i);
-    Column column;
-    light(here.side[at], scratch.shadow.side[at], column);
-    const int leftX = left - margin_ + i, rightX = rightmost - i;
-    const std::size_t mirrored = std::size_t(2 * columns_ - 1 - i);
-    if (!column.depth) {
-      const auto set = [&](std::size_t place, int x) {
-        mix.set(place, behind[std::clamp(x, 0, width - 1)], column.cover, column.around, 0);
-      };
-      set(at, leftX);
-      set(mirrored, rightX);
-      continue;
-    }
-    const float before = i > 0 ? here.side[at - 1] : here.side[at];
-    const float after = i + 1 < columns_ ? here.side[at + 1] : here.middle;
-    float outX = after - before;
-    float outY = below.side[at] - above.side[at];
-    const float steepness = outX * outX + outY * outY;
-    if (steepness > 0) {
-      const float toUnit = 1 / std::sqrt(steepness);
-      outX *= toUnit;
-      outY *= toUnit;
-    }
-    const int bendX = int(outX * column.depth->bend), bendY = int(outY * column.depth->bend);
-    const QRgb* from = bendY == 0 ? behind : backdropRow(y - bendY);
-    const Shine leftShine = shine(*column.depth, outX, outY);
-    const Shine rightShine = shine(*column.depth, -outX, outY);
-    const auto set = [&](std::size_t place, int x, const Shine& lit) {
-      const QRgb source = from[std::clamp(x, 0, width - 1)];
-      const float white = lit.white + lit.gleam * float(source >> 24) / 255;
-      mix.set(place, source, column.cover * lit.keep, column.around, column.cover * white);
+    Column column = columnAt(scratch, i);
+    const BackdropRow row = bentRow(column);
+    const int bend = column.depth ? static_cast<int>(column.outX * column.depth->bend) : 0;
+    const auto mix = [&](int place, QRgb source) {
+      const Shine lit = shine(column);
+      const float white = lit.white + lit.gleam * static_cast<float>(source >> 24) / 255;
+      scratch.mix.set(static_cast<std::size_t>(place), source, column.cover * lit.keep, column.around,
+                      column.cover * white);
     };
-    set(at, leftX - bendX, leftShine);
-    set(mirrored, rightX + bendX, rightShine);
+    mix(i, row.at(leftmost + i - bend));
+    column.outX = -column.outX;
+    mix(2 * columns_ - 1 - i, row.at(rightmost - i + bend));
   }
-  mix.blend(target, width, left - margin_, y, 0, columns_);
-  mix.blend(target, width, rightmost - columns_ + 1, y, columns_, columns_);
+  const int middleBegin = leftmost + columns_, middleEnd = rightmost - columns_ + 1;
+  scratch.mix.blend(target, behind.width, leftmost, y, 0, columns_);
+  scratch.mix.blend(target, behind.width, middleEnd, y, columns_, columns_);
 
-  const int middleBegin = std::max(0, left - margin_ + columns_);
-  const int middleEnd = std::min(width, rightmost - columns_ + 1);
-  if (middleBegin >= middleEnd) return;
-  Column column;
-  light(here.middle, scratch.shadow.middle, column);
-  Shine middleShine{1, 0, 0};
-  const QRgb* from = behind;
-  if (column.depth) {
-    const float outY = below.middle > above.middle ? 1.0F : -1.0F;
-    middleShine = shine(*column.depth, 0, outY);
-    from = backdropRow(y - int(outY * column.depth->bend));
-  } else if (column.cover >= 1) {
-    for (int x = middleBegin; x < middleEnd; ++x) target[x] = behind[x] | 0xff000000;
-    return;
-  }
-  blendEvenly(target, from, middleBegin, middleEnd, y, column.cover * middleShine.keep, column.around,
-              column.cover * middleShine.white, column.cover * middleShine.gleam);
+  const int begin = std::max(0, middleBegin), end = std::min(behind.width, middleEnd);
+  const Column column = columnAt(scratch, columns_);
+  const Shine lit = shine(column);
+  if (begin < end)
+    blendEvenly(target, bentRow(column).pixels, begin, end, y, column.cover * lit.keep, column.around,
+                column.cover * lit.white, column.cover * lit.gleam);
 }
 
 void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
@@ -555,10 +540,10 @@ void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
   const int first = std::max(0, left - margin_);
   const int count = std::min(target.width(), left + size_.width() + margin_) - first;
   if (count <= 0) return;
-  Scratch scratch(columns_);
+  Scratch scratch{{}, {}, {}, {}, RowMix(static_cast<std::size_t>(2 * columns_))};
   std::vector<GlassPlate> near;
-  std::vector<QRgb> before(std::size_t(count), 0);
-  std::vector<std::uint16_t> sum(std::size_t(count) * 4, 0);
+  std::vector<QRgb> before(static_cast<std::size_t>(count), 0);
+  std::vector<std::uint16_t> sum(static_cast<std::size_t>(count) * 4, 0);
   for (int y = 0; y < target.height(); ++y) {
     near.clear();
     for (const GlassPlate& plate : plates) {
@@ -575,10 +560,11 @@ void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
     }
     // Opacities in 256ths, so that the weights of the levels add up exactly.
     const auto share = [&](std::size_t index) {
-      return index < near.size() ? int(std::lround(std::min(1.0, near[index].opacity) * 256)) : 0;
+      return index < near.size() ? static_cast<int>(std::lround(std::min(1.0, near[index].opacity) * 256))
+                                 : 0;
     };
     std::copy_n(line + first, count, before.begin());
-    std::fill(sum.begin(), sum.end(), std::uint16_t(128));
+    std::fill(sum.begin(), sum.end(), static_cast<std::uint16_t>(128));
     accumulate(sum, before.data(), 256 - share(0));
     for (std::size_t level = 0; level < near.size(); ++level) {
       const int weight = share(level) - share(level + 1);
@@ -588,7 +574,7 @@ void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
       accumulate(sum, line + first, weight);
     }
     auto* bytes = reinterpret_cast<uchar*>(line + first);
-    for (std::size_t i = 0; i < sum.size(); ++i) bytes[i] = uchar(sum[i] >> 8);
+    for (std::size_t i = 0; i < sum.size(); ++i) bytes[i] = static_cast<uchar>(sum[i] >> 8);
   }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "lockscreen/rendering.h"
+
 #include <QImage>
 #include <QSize>
 #include <span>
@@ -7,19 +9,11 @@
 
 namespace brisklet {
 
-/// The two renderings of the lock screen's plates.
-enum class GlassStyle {
-  /// Captured for a movie: ultra-thin frosted material.
-  Material,
-  /// Live: clearer glass that bends what is behind its rim and flows into glass that is near.
-  Regular
-};
-
 /// The wallpaper as it shines through a plate, at the wallpaper's size: blurred, livelier in colour, and
 /// moved into the range of brightness over which white text can be read, black lifted and white lowered. Text
 /// that is white at an opacity of 0.7 or more has a contrast of 3:1 or better everywhere on it. RGB32; the
 /// byte that is left says how bright the wallpaper itself is there, for light along the rim.
-[[nodiscard]] QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, GlassStyle style);
+[[nodiscard]] QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, Rendering rendering);
 
 /// A plate of a column at one moment.
 struct GlassPlate {
@@ -32,7 +26,7 @@ struct GlassPlate {
 class LockGlass {
  public:
   /// The size is in pixels, the corner radius in points.
-  LockGlass(const QSize& plateSize, double cornerRadius, double pixelsPerPoint, GlassStyle style);
+  LockGlass(const QSize& plateSize, double cornerRadius, double pixelsPerPoint, Rendering rendering);
 
   /// Paints the plates with their shadows over the RGB32 picture `target`, which has the backdrop's size.
   /// Plates nearer than 10 points to each other flow into one shape. The picture is the mean, over all
@@ -54,33 +48,30 @@ class LockGlass {
     float shade;     // share of the darkness within the far rim
   };
   /// Distances to the outline along one pixel row, pixels, negative inside: the columns from `margin_` left
-  /// of the plates to where the outline runs straight, and the value of all columns between the two sides.
-  struct FieldRow {
-    std::vector<float> side;
-    float middle = 0;
-  };
-  /// What one column of a row is lit by: the plate's share of it, the share of what is around with its
-  /// shadow, and the light at its depth, if it is near the rim.
+  /// of the plates to where the outline runs straight, and last the value of all columns between the two
+  /// sides.
+  using FieldRow = std::vector<float>;
+  /// What a row is painted from.
+  struct Scratch;
+  /// One column of a row: the plate's share of it, the share of what is around with its shadow, and near the
+  /// rim the light at its depth and the direction in which the outline lies.
   struct Column {
     float cover, around;
     const Depth* depth;
+    float outX, outY;
   };
   /// The share that light leaves of what is behind, that of white that it adds, and that of white where the
   /// backdrop is bright.
   struct Shine {
     float keep, white, gleam;
   };
-  struct RowMix;
-  struct Scratch;
 
   void buildField(double radius);
-  void buildLight(double pixelsPerPoint, GlassStyle style);
-  /// The smooth union of the plates; false where all are out of reach.
-  bool fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const;
-  void setFar(FieldRow& row) const;
-  void light(float distance, float shadowDistance, Column& column) const;
-  /// `outX`, `outY`: the direction in which the outline lies.
-  [[nodiscard]] Shine shine(const Depth& depth, float outX, float outY) const;
+  void buildLight(double pixelsPerPoint, Rendering rendering);
+  /// The smooth union of the plates; as far as can be where all are out of reach.
+  void fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const;
+  [[nodiscard]] Column columnAt(const Scratch& scratch, int index) const;
+  [[nodiscard]] Shine shine(const Column& column) const;
   void paintRow(QRgb* target, const QImage& backdrop, int y, int left, std::span<const GlassPlate> plates,
                 Scratch& scratch) const;
 

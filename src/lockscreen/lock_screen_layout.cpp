@@ -1,8 +1,8 @@
 #include "lockscreen/lock_screen_layout.h"
 
-#include <algorithm>
+#include "drawing/symbol_image.h"
 
-#include "platform/symbol_image.h"
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -34,26 +34,23 @@ LockScreenLayout lockScreenLayout(const SequenceDocument& document, qsizetype ca
   LockScreenLayout layout;
 
   const double statusTextHeight = lineHeight(LockScreenStyles::status);
-  double statusHeight = statusTextHeight;
-  double symbolsWidth = 0;
   const QStringList symbolNames{u"cellularbars"_s, u"wifi"_s, u"battery.100percent"_s};
-  for (const QString& name : symbolNames) {
-    const QSizeF size = symbolSize(name, Metrics::statusSymbolSize);
-    statusHeight = std::max(statusHeight, size.height());
-    symbolsWidth += size.width() + (symbolsWidth > 0 ? Metrics::statusSymbolSpacing : 0);
-  }
+  double statusHeight = statusTextHeight;
+  for (const QString& name : symbolNames)
+    statusHeight = std::max(statusHeight, symbolSize(name, Metrics::statusSymbolSize).height());
   layout.statusBar = {Metrics::statusInset, Metrics::statusTop,
                       Metrics::canvasWidth - 2 * Metrics::statusInset, statusHeight};
-  double symbolLeft = layout.statusBar.right() - symbolsWidth;
-  for (const QString& name : symbolNames) {
-    const QSizeF size = symbolSize(name, Metrics::statusSymbolSize);
-    layout.statusSymbols.append(
-        {name, {symbolLeft, layout.statusBar.center().y() - size.height() / 2, size.width(), size.height()}});
-    symbolLeft += size.width() + Metrics::statusSymbolSpacing;
+  const double axis = layout.statusBar.center().y();
+  double right = layout.statusBar.right();
+  for (auto name = symbolNames.crbegin(); name != symbolNames.crend(); ++name) {
+    const QSizeF size = symbolSize(*name, Metrics::statusSymbolSize);
+    layout.statusSymbols.prepend({*name, {QPointF(right - size.width(), axis - size.height() / 2), size}});
+    right -= size.width() + Metrics::statusSymbolSpacing;
   }
-  layout.statusTime = {layout.statusBar.left(), layout.statusBar.center().y() - statusTextHeight / 2 +
-                                                    lineAscent(LockScreenStyles::status)};
-  layout.statusTimeRoom = layout.statusBar.width() - symbolsWidth - 2 * Metrics::standardSpacing;
+  layout.statusTime = {layout.statusBar.left(),
+                       axis - statusTextHeight / 2 + lineAscent(LockScreenStyles::status)};
+  layout.statusTimeRoom =
+      right + Metrics::statusSymbolSpacing - layout.statusBar.left() - 2 * Metrics::standardSpacing;
 
   const double clockTop = layout.statusBar.bottom() + Metrics::clockTop;
   layout.date = centredBelow(clockTop, labelLines(document.dateLabel, LockScreenStyles::date).size());

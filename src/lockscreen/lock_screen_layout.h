@@ -1,12 +1,12 @@
 #pragma once
 
+#include "drawing/text_line.h"
+#include "model/sequence_document.h"
+
 #include <QList>
 #include <QPointF>
 #include <QRectF>
 #include <QString>
-
-#include "model/sequence_document.h"
-#include "platform/text_line.h"
 
 namespace brisklet {
 

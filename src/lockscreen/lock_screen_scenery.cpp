@@ -1,15 +1,15 @@
 #include "lockscreen/lock_screen_scenery.h"
 
+#include "drawing/continuous_corners.h"
+#include "drawing/float_plane.h"
+#include "drawing/pictures.h"
+#include "drawing/symbol_image.h"
+#include "lockscreen/notification_card.h"
+
 #include <QPainter>
 #include <algorithm>
 #include <array>
 #include <cmath>
-
-#include "lockscreen/float_plane.h"
-#include "lockscreen/notification_card.h"
-#include "platform/continuous_corners.h"
-#include "platform/picture_memory.h"
-#include "platform/symbol_image.h"
 
 namespace brisklet {
 namespace {
@@ -28,13 +28,7 @@ constexpr Shadow glow{0.35F, 9, 4}, drop{0.18F, 12, 10};
 constexpr double shadowsReach = 3 * (glow.blur + drop.blur) + drop.offsetY;
 
 QColor white(double opacity) {
-  return QColor::fromRgbF(1, 1, 1, float(opacity));
-}
-
-void prepare(QPainter& painter, double pixelsPerPoint) {
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
-                         QPainter::SmoothPixmapTransform);
-  painter.scale(pixelsPerPoint, pixelsPerPoint);
+  return QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity));
 }
 
 /// The plane moved down by `cells`, nothing coming in above.
@@ -47,76 +41,59 @@ FloatPlane lowered(const FloatPlane& plane, int cells) {
 /// How far right of the middle of its lines the middle of the time's ink lies, in points. What stands beside
 /// the ink of a digit differs from digit to digit, and at the clock's size that would show.
 double inkOffset(const TextBlock& time, const QRectF& place) {
-  constexpr int finer = 4;
-  const int height = std::min(int(std::ceil(place.height())), int(Metrics::canvasHeight));
-  QImage ink = newPicture({int(Metrics::canvasWidth) * finer, std::max(1, height) * finer},
-                          QImage::Format_ARGB32_Premultiplied);
-  ink.fill(Qt::transparent);
-  {
-    QPainter painter(&ink);
-    prepare(painter, finer);
+  const QSizeF room(Metrics::canvasWidth, std::clamp(std::ceil(place.height()), 1.0, Metrics::canvasHeight));
+  const QRectF ink = inkBox(room, 128, [&](QPainter& painter) {
     time.draw(painter, {Metrics::canvasWidth / 2, 0}, Qt::white);
-  }
-  int left = ink.width(), right = -1;
-  for (int y = 0; y < ink.height(); ++y) {
-    const auto* line = reinterpret_cast<const QRgb*>(ink.constScanLine(y));
-    const auto isInked = [](QRgb pixel) { return qAlpha(pixel) >= 128; };
-    const auto* const first = std::find_if(line, line + left, isInked);
-    left = int(first - line);
-    for (int x = ink.width() - 1; x > right; --x) {
-      if (isInked(line[x])) right = x;
-    }
-  }
-  return right < left ? 0 : (left + right + 1) / (2.0 * finer) - Metrics::canvasWidth / 2;
+  });
+  return ink.isEmpty() ? 0 : ink.center().x() - Metrics::canvasWidth / 2;
 }
 
 /// Paints the glow and the drop shadow of the time: the glow lies on the shadow that text and glow cast
 /// together. Both are computed on a grid of a point a cell.
 void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place, double centreX,
                       double pixelsPerPoint) {
-  const int top = std::max(0, int(place.top() - shadowsReach));
-  const int bottom = std::min(int(Metrics::canvasHeight), int(place.bottom() + shadowsReach));
-  const int columns = int(Metrics::canvasWidth), rows = bottom - top;
+  const int top = std::max(0, static_cast<int>(place.top() - shadowsReach));
+  const int bottom =
+      std::min(static_cast<int>(Metrics::canvasHeight), static_cast<int>(place.bottom() + shadowsReach));
+  const int columns = static_cast<int>(Metrics::canvasWidth), rows = bottom - top;
   if (rows <= 0) return;
 
   constexpr int finer = 4;
-  QImage text = newPicture({columns * finer, rows * finer}, QImage::Format_ARGB32_Premultiplied);
-  text.fill(Qt::transparent);
-  {
-    QPainter painter(&text);
-    prepare(painter, finer);
-    time.draw(painter, {centreX, place.top() - top}, white(Metrics::timeOpacity));
-  }
-  const QImage coarse = whole(text.scaled(columns, rows, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+  const QImage coarse = painted(QSize(columns, rows) * finer, finer, [&](QPainter& painter) {
+                          time.draw(painter, {centreX, place.top() - top}, white(Metrics::timeOpacity));
+                        }).scaled(columns, rows, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 
   FloatPlane glowing(columns, rows);
   for (int y = 0; y < rows; ++y) {
     const auto* line = reinterpret_cast<const QRgb*>(coarse.constScanLine(y));
-    for (int x = 0; x < columns; ++x) glowing.row(y)[x] = float(qAlpha(line[x])) / 255;
+    for (int x = 0; x < columns; ++x) glowing.row(y)[x] = static_cast<float>(qAlpha(line[x])) / 255;
   }
-  FloatPlane light = lowered(blurred(glowing, glow.blur), int(glow.offsetY));
+  FloatPlane light = lowered(blurred(glowing, glow.blur), static_cast<int>(glow.offsetY));
   for (std::size_t i = 0; i < light.samples.size(); ++i) {
     light.samples[i] *= glow.opacity;
     glowing.samples[i] += light.samples[i] * (1 - glowing.samples[i]);
   }
-  FloatPlane dark = lowered(blurred(glowing, drop.blur), int(drop.offsetY));
+  FloatPlane dark = lowered(blurred(glowing, drop.blur), static_cast<int>(drop.offsetY));
   for (float& sample : dark.samples) sample *= drop.opacity;
 
   const int width = target.width();
-  const PlaneEnlarger enlarger(columns, width, double(columns) / width);
-  std::vector<float> lightRow(std::size_t(width), 0.0F), darkRow(std::size_t(width), 0.0F);
-  const int firstRow = std::max(0, int(top * pixelsPerPoint));
-  const int lastRow = std::min(target.height(), int(std::ceil(bottom * pixelsPerPoint)));
+  const PlaneEnlarger enlarger(columns, width, static_cast<double>(columns) / width);
+  std::vector<float> lightRow(static_cast<std::size_t>(width), 0.0F),
+      darkRow(static_cast<std::size_t>(width), 0.0F);
+  const int firstRow = std::max(0, static_cast<int>(top * pixelsPerPoint));
+  const int lastRow = std::min(target.height(), static_cast<int>(std::ceil(bottom * pixelsPerPoint)));
   for (int y = firstRow; y < lastRow; ++y) {
     const double cell = (y + 0.5) / pixelsPerPoint - top;
     enlarger.row(light, cell, lightRow);
     enlarger.row(dark, cell, darkRow);
     auto* line = reinterpret_cast<QRgb*>(target.scanLine(y));
     for (int x = 0; x < width; ++x) {
-      const float lit = lightRow[std::size_t(x)];
-      const float keep = (1 - lit) * (1 - darkRow[std::size_t(x)]);
+      const float lit = lightRow[static_cast<std::size_t>(x)];
+      const float keep = (1 - lit) * (1 - darkRow[static_cast<std::size_t>(x)]);
       const float added = 255 * lit + ditherAt(x, y);
-      const auto level = [&](int value) { return std::min(255, int(float(value) * keep + added)); };
+      const auto level = [&](int value) {
+        return std::min(255, static_cast<int>(static_cast<float>(value) * keep + added));
+      };
       line[x] = qRgb(level(qRed(line[x])), level(qGreen(line[x])), level(qBlue(line[x])));
     }
   }
@@ -125,68 +102,60 @@ void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place
 }  // namespace
 
 void LockScreenScenery::update(const SequenceDocument& document, const QSize& pixels, double pixelsPerPoint,
-                               CaptureMode mode) {
+                               Rendering rendering) {
   // A movie has one wallpaper, whatever happens to the photo while it is made.
   const QImage& wallpaper = wallpaperSource_.filled(
-      document, pixels, mode == CaptureMode::Capture ? PhotoChanges::Ignored : PhotoChanges::Followed);
-  const bool sameScale = pixels == pixels_ && pixelsPerPoint == pixelsPerPoint_ && mode == mode_;
-  const bool sameWallpaper = wallpaper.cacheKey() == wallpaper_.cacheKey();
-  const bool sameLabels = document.dateLabel == dateLabel_ && document.timeLabel == timeLabel_;
-  if (sameScale && sameWallpaper && sameLabels) return;
-
-  const GlassStyle style = mode == CaptureMode::Capture ? GlassStyle::Material : GlassStyle::Regular;
-  pixels_ = pixels;
-  pixelsPerPoint_ = pixelsPerPoint;
-  mode_ = mode;
-  wallpaper_ = wallpaper;
-  dateLabel_ = document.dateLabel;
-  timeLabel_ = document.timeLabel;
-  if (!sameScale) {
-    const auto inPixels = [&](double points) { return std::max(1, qRound(points * pixelsPerPoint)); };
-    cardGlass_ =
-        std::make_unique<LockGlass>(QSize(inPixels(Metrics::cardWidth), inPixels(Metrics::cardHeight)),
-                                    CardMetrics::cornerRadius, pixelsPerPoint, style);
-    orbGlass_ = std::make_unique<LockGlass>(QSize(inPixels(Metrics::orbSize), inPixels(Metrics::orbSize)),
-                                            Metrics::orbSize / 2, pixelsPerPoint, style);
-  }
-  if (!sameScale || !sameWallpaper) backdrop_ = glassBackdrop(wallpaper_, pixelsPerPoint, style);
-  layout_ = lockScreenLayout(document, 0);
-  QImage picture = wallpaper_;
-  makeWritable(picture);
-  paintBack(picture);
-  paintFront(picture);
-  picture_ = picture;
+      document, pixels, rendering == Rendering::Movie ? PhotoChanges::Ignored : PhotoChanges::Followed);
+  const Scale scale{pixels, pixelsPerPoint, rendering};
+  const auto glassOf = [&](const QSizeF& points, double radius) {
+    const QSize size = (points * pixelsPerPoint).toSize().expandedTo({1, 1});
+    return std::make_unique<const LockGlass>(size, radius, pixelsPerPoint, rendering);
+  };
+  glass_.get(scale, [&] {
+    return Glass{glassOf({Metrics::cardWidth, Metrics::cardHeight}, CardMetrics::cornerRadius),
+                 glassOf({Metrics::orbSize, Metrics::orbSize}, Metrics::orbSize / 2)};
+  });
+  backdrop_.get({scale, wallpaper.cacheKey()},
+                [&] { return glassBackdrop(wallpaper, pixelsPerPoint, rendering); });
+  picture_.get({scale, wallpaper.cacheKey(), document.dateLabel, document.timeLabel}, [&] {
+    layout_ = lockScreenLayout(document, 0);
+    QImage picture = wallpaper;
+    paintBack(picture, document, pixelsPerPoint);
+    paintFront(picture, pixelsPerPoint);
+    return picture;
+  });
 }
 
-void LockScreenScenery::paintBack(QImage& target) const {
-  const TextBlock time = labelLines(timeLabel_, Styles::time);
+void LockScreenScenery::paintBack(QImage& target, const SequenceDocument& document,
+                                  double pixelsPerPoint) const {
+  const TextBlock time = labelLines(document.timeLabel, Styles::time);
   const double timeCentre = layout_.time.center().x() - inkOffset(time, layout_.time);
-  paintTimeShadows(target, time, layout_.time, timeCentre, pixelsPerPoint_);
+  paintTimeShadows(target, time, layout_.time, timeCentre, pixelsPerPoint);
   QPainter painter(&target);
-  prepare(painter, pixelsPerPoint_);
-  TextLine(timeLabel_, Styles::status, layout_.statusTimeRoom).draw(painter, layout_.statusTime, white(1));
+  setUpPainter(painter, pixelsPerPoint);
+  TextLine(document.timeLabel, Styles::status, layout_.statusTimeRoom)
+      .draw(painter, layout_.statusTime, white(1));
   for (const PlacedSymbol& symbol : layout_.statusSymbols)
     drawSymbol(painter, symbol.name, Metrics::statusSymbolSize, symbol.rect.center(), white(1));
-  labelLines(dateLabel_, Styles::date)
+  labelLines(document.dateLabel, Styles::date)
       .draw(painter, {layout_.date.center().x(), layout_.date.top()}, white(Metrics::dateOpacity));
   time.draw(painter, {timeCentre, layout_.time.top()}, white(Metrics::timeOpacity));
 }
 
-void LockScreenScenery::paintFront(QImage& target) const {
-  paintOrb(target, layout_.torchOrb);
-  paintOrb(target, layout_.cameraOrb);
+void LockScreenScenery::paintFront(QImage& target, double pixelsPerPoint) const {
+  for (const PlacedSymbol& orb : {layout_.torchOrb, layout_.cameraOrb}) paintOrb(target, orb, pixelsPerPoint);
   QPainter painter(&target);
-  prepare(painter, pixelsPerPoint_);
+  setUpPainter(painter, pixelsPerPoint);
   painter.fillPath(continuousRoundedRect(layout_.homeIndicator, Metrics::indicatorHeight / 2),
                    white(Metrics::indicatorOpacity));
 }
 
-void LockScreenScenery::paintOrb(QImage& target, const PlacedSymbol& orb) const {
-  const QPoint corner = (orb.rect.topLeft() * pixelsPerPoint_).toPoint();
-  const GlassPlate plate{double(corner.y())};
-  orbGlass_->paint(target, backdrop_, corner.x(), {&plate, 1});
+void LockScreenScenery::paintOrb(QImage& target, const PlacedSymbol& orb, double pixelsPerPoint) const {
+  const QPoint corner = (orb.rect.topLeft() * pixelsPerPoint).toPoint();
+  const GlassPlate plate{static_cast<double>(corner.y())};
+  glass_.last().orb->paint(target, backdrop(), corner.x(), {&plate, 1});
   QPainter painter(&target);
-  prepare(painter, pixelsPerPoint_);
+  setUpPainter(painter, pixelsPerPoint);
   drawSymbol(painter, orb.name, Metrics::orbSymbolSize, orb.rect.center(), white(1));
 }
 

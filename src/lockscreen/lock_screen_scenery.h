@@ -1,13 +1,14 @@
 #pragma once
 
+#include "lockscreen/kept.h"
+#include "lockscreen/lock_glass.h"
+#include "lockscreen/lock_screen_layout.h"
+#include "lockscreen/rendering.h"
+#include "lockscreen/wallpaper.h"
+
 #include <QImage>
 #include <QString>
 #include <memory>
-
-#include "lockscreen/capture_mode.h"
-#include "lockscreen/lock_glass.h"
-#include "lockscreen/lock_screen_layout.h"
-#include "lockscreen/wallpaper.h"
 
 namespace brisklet {
 
@@ -17,32 +18,54 @@ class LockScreenScenery {
  public:
   /// Brings the scenery up to date with the document's settings. The picture has `pixels`, of which
   /// `pixelsPerPoint` are a point.
-  void update(const SequenceDocument& document, const QSize& pixels, double pixelsPerPoint, CaptureMode mode);
+  void update(const SequenceDocument& document, const QSize& pixels, double pixelsPerPoint,
+              Rendering rendering);
 
   /// Layout without cards.
   [[nodiscard]] const LockScreenLayout& layout() const { return layout_; }
   /// Wallpaper, status bar, clock, quick actions and home indicator; RGB32. The same image until something
   /// changes.
-  [[nodiscard]] const QImage& picture() const { return picture_; }
+  [[nodiscard]] const QImage& picture() const { return picture_.last(); }
   /// What shows through plates.
-  [[nodiscard]] const QImage& backdrop() const { return backdrop_; }
-  [[nodiscard]] const LockGlass& cardGlass() const { return *cardGlass_; }
+  [[nodiscard]] const QImage& backdrop() const { return backdrop_.last(); }
+  [[nodiscard]] const LockGlass& cardGlass() const { return *glass_.last().card; }
 
   /// Paints the quick actions and the home indicator, which stand in front of the cards.
-  void paintFront(QImage& target) const;
+  void paintFront(QImage& target, double pixelsPerPoint) const;
 
  private:
-  void paintBack(QImage& target) const;
-  void paintOrb(QImage& target, const PlacedSymbol& orb) const;
+  struct Scale {
+    QSize pixels;
+    double pixelsPerPoint;
+    Rendering rendering;
 
-  QSize pixels_;
-  double pixelsPerPoint_ = 0;
-  CaptureMode mode_ = CaptureMode::Capture;
-  QString dateLabel_, timeLabel_;
+    friend bool operator==(const Scale&, const Scale&) = default;
+  };
+  struct BackdropKey {
+    Scale scale;
+    qint64 wallpaper;
+
+    friend bool operator==(const BackdropKey&, const BackdropKey&) = default;
+  };
+  struct PictureKey {
+    Scale scale;
+    qint64 wallpaper;
+    QString dateLabel, timeLabel;
+
+    friend bool operator==(const PictureKey&, const PictureKey&) = default;
+  };
+  struct Glass {
+    std::unique_ptr<const LockGlass> card, orb;
+  };
+
+  void paintBack(QImage& target, const SequenceDocument& document, double pixelsPerPoint) const;
+  void paintOrb(QImage& target, const PlacedSymbol& orb, double pixelsPerPoint) const;
+
   WallpaperSource wallpaperSource_;
-  QImage wallpaper_, backdrop_, picture_;
   LockScreenLayout layout_;
-  std::unique_ptr<LockGlass> cardGlass_, orbGlass_;
+  Kept<Scale, Glass> glass_;
+  Kept<BackdropKey, QImage> backdrop_;
+  Kept<PictureKey, QImage> picture_;
 };
 
 }  // namespace brisklet

@@ -1,12 +1,14 @@
 #include "lockscreen/lock_screen_view.h"
 
+#include "drawing/continuous_corners.h"
+#include "drawing/device_pixels.h"
+#include "drawing/pictures.h"
+
 #include <QPainterPath>
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <vector>
-
-#include "platform/continuous_corners.h"
-#include "platform/picture_memory.h"
 
 namespace brisklet {
 namespace {
@@ -21,15 +23,15 @@ void drawAt(QImage& target, const QImage& content, int left, double top, double 
   if (top == std::floor(top)) {
     QPainter painter(&target);
     painter.setOpacity(opacity);
-    painter.drawImage(left, int(top), content);
+    painter.drawImage(left, static_cast<int>(top), content);
     return;
   }
-  const int firstRow = int(std::floor(top));
+  const int firstRow = static_cast<int>(std::floor(top));
   // Weights of the content's rows above and below a target row, in 256ths, opacity included.
-  const int below = int(std::lround((1 - (top - firstRow)) * opacity * 256));
-  const int above = int(std::lround(opacity * 256)) - below;
+  const int below = static_cast<int>(std::lround((1 - (top - firstRow)) * opacity * 256));
+  const int above = static_cast<int>(std::lround(opacity * 256)) - below;
   const int columns = std::min(content.width(), target.width() - left);
-  const std::vector<QRgb> nothing(std::size_t(content.width()), 0);
+  const std::vector<QRgb> nothing(static_cast<std::size_t>(content.width()), 0);
   for (int row = 0; row <= content.height(); ++row) {
     const int y = firstRow + row;
     if (y < 0 || y >= target.height()) continue;
@@ -44,11 +46,13 @@ void drawAt(QImage& target, const QImage& content, int left, double top, double 
     for (int x = 0; x < columns; ++x) {
       if ((upper[x] | lower[x]) == 0) continue;
       const auto mixed = [&](int shift) {
-        return (int(upper[x] >> shift & 0xff) * above + int(lower[x] >> shift & 0xff) * below) >> 8;
+        return (static_cast<int>(upper[x] >> shift & 0xff) * above +
+                static_cast<int>(lower[x] >> shift & 0xff) * below) >>
+               8;
       };
       const int keep = 255 - mixed(24);
       const auto over = [&](int shift) {
-        return mixed(shift) + (int(out[x] >> shift & 0xff) * keep + 127) / 255;
+        return mixed(shift) + (static_cast<int>(out[x] >> shift & 0xff) * keep + 127) / 255;
       };
       out[x] = qRgb(over(16), over(8), over(0));
     }
@@ -80,81 +84,52 @@ QList<LockScreenCache::DrawnCard> LockScreenCache::drawn(const QList<StackedCard
   return result;
 }
 
-void LockScreenCache::paintPlates(QImage& target, const QList<DrawnCard>& cards, int left) const {
-  std::vector<GlassPlate> plates;
-  for (const DrawnCard& card : cards) plates.push_back({card.top, card.opacity});
-  scenery_.cardGlass().paint(target, scenery_.backdrop(), left, plates);
-}
-
 void LockScreenCache::cutCorners(QImage& target, double pixelsPerPoint) {
-  const double radius = Metrics::liveCornerRadius * pixelsPerPoint;
-  if (target.size() != cornersOf_) {
-    cornersOf_ = target.size();
-    corners_.clear();
-    const QPainterPath outline = continuousRoundedRect(QRectF(target.rect()), radius);
-    // A corner takes less than two radii of a side.
-    const QSize size = QSizeF(2 * radius, 2 * radius).toSize().boundedTo(target.size() / 2);
-    const QPoint farCorner(target.width() - size.width(), target.height() - size.height());
-    for (const QPoint& at : {QPoint(0, 0), QPoint(farCorner.x(), 0), QPoint(0, farCorner.y()), farCorner}) {
-      QImage mask = newPicture(size, QImage::Format_ARGB32_Premultiplied);
-      mask.fill(Qt::transparent);
-      QPainter painter(&mask);
-      painter.setRenderHint(QPainter::Antialiasing);
-      painter.translate(-at);
-      painter.fillPath(outline, Qt::black);
-      corners_.append({at, mask});
-    }
-  }
+  QPainterPath outside = continuousRoundedRect(target.rect(), Metrics::liveCornerRadius * pixelsPerPoint);
+  outside.addRect(target.rect());
   // Every pixel is opaque up to here.
   target.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
   QPainter painter(&target);
-  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-  for (const Corner& corner : corners_) painter.drawImage(corner.at, corner.mask);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+  painter.fillPath(outside, Qt::black);
+}
+
+QImage LockScreenCache::paintedCards(const QList<DrawnCard>& cards, double pixelsPerPoint,
+                                     Rendering rendering) {
+  const int left = qRound(Metrics::cardInset * pixelsPerPoint);
+  const QImage& scenery = scenery_.picture();
+  const auto plated = [&] {
+    std::vector<GlassPlate> plates;
+    for (const DrawnCard& card : cards) plates.push_back({card.top, card.opacity});
+    QImage image = scenery;
+    scenery_.cardGlass().paint(image, scenery_.backdrop(), left, plates);
+    return image;
+  };
+  const bool resting = std::all_of(cards.begin(), cards.end(), [](const DrawnCard& card) {
+    return card.opacity == 1 && card.top == std::floor(card.top);
+  });
+  QList<double> tops;
+  for (const DrawnCard& card : cards) tops.append(card.top);
+  QImage image = resting ? plated_.get({scenery.cacheKey(), tops}, plated) : plated();
+  double lowest = 0;
+  for (const DrawnCard& card : cards) {
+    // The content comes after its plate and goes before it, so that two texts on one place hardly meet.
+    drawAt(image, card.content, left, card.top, card.opacity * card.opacity);
+    lowest = std::max(lowest, card.top + card.content.height());
+  }
+  if (lowest > scenery_.layout().torchOrb.rect.top() * pixelsPerPoint)
+    scenery_.paintFront(image, pixelsPerPoint);
+  if (rendering == Rendering::Live) cutCorners(image, pixelsPerPoint);
+  return image;
 }
 
 const QImage& LockScreenCache::composed(const SequenceDocument& document, const QList<StackedCard>& cards,
-                                        const QSize& pixels, double pixelsPerPoint, CaptureMode mode) {
-  scenery_.update(document, pixels, pixelsPerPoint, mode);
-  const qint64 scenery = scenery_.picture().cacheKey();
-  QList<DrawnCard> drawnCards = drawn(cards, pixelsPerPoint);
-  if (!picture_.isNull() && scenery == pictureScenery_ && drawnCards == pictureCards_) return picture_;
-
-  const int left = qRound(Metrics::cardInset * pixelsPerPoint);
-  const bool resting = std::all_of(drawnCards.begin(), drawnCards.end(), [](const DrawnCard& card) {
-    return card.opacity == 1 && card.top == std::floor(card.top);
-  });
-  QImage next;
-  if (resting) {
-    QList<double> tops;
-    for (const DrawnCard& card : drawnCards) tops.append(card.top);
-    if (plated_.isNull() || scenery != platedScenery_ || tops != platedTops_) {
-      plated_ = {};  // until it is whole
-      QImage plated = scenery_.picture();
-      makeWritable(plated);
-      paintPlates(plated, drawnCards, left);
-      plated_ = std::move(plated);
-      platedScenery_ = scenery;
-      platedTops_ = std::move(tops);
-    }
-    next = plated_;
-    makeWritable(next);
-  } else {
-    next = scenery_.picture();
-    makeWritable(next);
-    paintPlates(next, drawnCards, left);
-  }
-  double lowest = 0;
-  for (const DrawnCard& card : drawnCards) {
-    // The content comes after its plate and goes before it, so that two texts on one place hardly meet.
-    drawAt(next, card.content, left, card.top, card.opacity * card.opacity);
-    lowest = std::max(lowest, card.top + card.content.height());
-  }
-  if (lowest > scenery_.layout().torchOrb.rect.top() * pixelsPerPoint) scenery_.paintFront(next);
-  if (mode == CaptureMode::Live) cutCorners(next, pixelsPerPoint);
-  picture_ = std::move(next);
-  pictureScenery_ = scenery;
-  pictureCards_ = std::move(drawnCards);
-  return picture_;
+                                        const QSize& pixels, double pixelsPerPoint, Rendering rendering) {
+  scenery_.update(document, pixels, pixelsPerPoint, rendering);
+  const QList<DrawnCard> shown = drawn(cards, pixelsPerPoint);
+  return picture_.get({scenery_.picture().cacheKey(), shown},
+                      [&] { return paintedCards(shown, pixelsPerPoint, rendering); });
 }
 
 QList<Ping> LockScreenView::visiblePings() const {
@@ -177,32 +152,21 @@ QImage LockScreenView::picture(LockScreenCache& cache, const QList<StackedCard>&
   return cache.composed(document, cards, pixels, scale, capturesFrames);
 }
 
-void LockScreenView::paint(QPainter& painter, LockScreenCache& cache) const {
-  paint(painter, cache, restingCards());
-}
-
 void LockScreenView::paint(QPainter& painter, LockScreenCache& cache, const QList<StackedCard>& cards) const {
-  const QTransform toDevice = painter.deviceTransform();
-  const double scale = std::sqrt(std::abs(toDevice.determinant()));
-  if (!(scale > 0)) return;
+  const double scale = deviceScale(painter);
   const QImage image = picture(cache, cards, scale);
-  const bool upright = toDevice.type() <= QTransform::TxScale && toDevice.m11() > 0 &&
-                       qFuzzyCompare(toDevice.m11(), toDevice.m22()) && scale <= finestScale;
-  if (!upright) {
+  if (scale > finestScale)
     painter.drawImage(QRectF(0, 0, Metrics::canvasWidth, Metrics::canvasHeight), image);
-    return;
-  }
-  // Pixel by pixel: undoing the device's own scale as well leaves whole pixels.
-  painter.save();
-  painter.setWorldTransform(toDevice.inverted() * painter.worldTransform());
-  const QPointF corner = toDevice.map(QPointF(0, 0));
-  painter.drawImage(QPointF(std::round(corner.x()), std::round(corner.y())), image);
-  painter.restore();
+  else
+    drawOnPixels(painter, painter.deviceTransform().map(QPointF()).toPoint(), image);
 }
 
 QImage captureFrame(const LockScreenView& view, LockScreenCache& cache) {
-  const LockScreenView captured{view.document, view.player, CaptureMode::Capture};
-  return captured.picture(cache, captured.restingCards(), captureScale);
+  const LockScreenView captured{view.document, view.player, Rendering::Movie};
+  QImage picture = captured.picture(cache, captured.restingCards(), captureScale);
+  // A picture that memory did not suffice for is null, and what is painted on it is lost without a word.
+  if (picture.isNull()) throw std::bad_alloc();
+  return picture;
 }
 
 }  // namespace brisklet

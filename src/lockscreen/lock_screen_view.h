@@ -1,16 +1,18 @@
 #pragma once
 
+#include "lockscreen/card_stack_animation.h"
+#include "lockscreen/kept.h"
+#include "lockscreen/lock_screen_scenery.h"
+#include "lockscreen/notification_card.h"
+#include "lockscreen/rendering.h"
+#include "model/sequence_document.h"
+#include "playback/sequence_player.h"
+
 #include <QImage>
 #include <QList>
 #include <QPainter>
 #include <QSize>
-
-#include "lockscreen/capture_mode.h"
-#include "lockscreen/card_stack_animation.h"
-#include "lockscreen/lock_screen_scenery.h"
-#include "lockscreen/notification_card.h"
-#include "model/sequence_document.h"
-#include "playback/sequence_player.h"
+#include <utility>
 
 namespace brisklet {
 
@@ -36,32 +38,27 @@ class LockScreenCache {
     }
   };
 
-  const QImage& composed(const SequenceDocument& document, const QList<StackedCard>& cards,
-                         const QSize& pixels, double pixelsPerPoint, CaptureMode mode);
-  QList<DrawnCard> drawn(const QList<StackedCard>& cards, double pixelsPerPoint);
-  void paintPlates(QImage& target, const QList<DrawnCard>& cards, int left) const;
+  /// What a picture is made of.
+  struct PictureKey {
+    qint64 scenery;
+    QList<DrawnCard> cards;
 
-  void cutCorners(QImage& target, double pixelsPerPoint);
+    friend bool operator==(const PictureKey&, const PictureKey&) = default;
+  };
+
+  const QImage& composed(const SequenceDocument& document, const QList<StackedCard>& cards,
+                         const QSize& pixels, double pixelsPerPoint, Rendering rendering);
+  QList<DrawnCard> drawn(const QList<StackedCard>& cards, double pixelsPerPoint);
+  QImage paintedCards(const QList<DrawnCard>& cards, double pixelsPerPoint, Rendering rendering);
+  static void cutCorners(QImage& target, double pixelsPerPoint);
 
   LockScreenScenery scenery_;
   AppGlyphCache glyphs_;
   CardContentCache contents_;
 
   /// The scenery with plates at rest, on which only the cards' contents differ from frame to frame.
-  QImage plated_;
-  qint64 platedScenery_ = 0;
-  QList<double> platedTops_;
-
-  struct Corner {
-    QPoint at;
-    QImage mask;
-  };
-  QList<Corner> corners_;
-  QSize cornersOf_;
-
-  QImage picture_;
-  qint64 pictureScenery_ = 0;
-  QList<DrawnCard> pictureCards_;
+  Kept<std::pair<qint64, QList<double>>, QImage> plated_;
+  Kept<PictureKey, QImage> picture_;
 };
 
 /// The phone's lock screen on which the pings of a sequence arrive, 390 x 844 points. A pure function of the
@@ -71,15 +68,13 @@ struct LockScreenView {
   SequenceDocument document;
   /// Source of the cards.
   const SequencePlayer& player;
-  CaptureMode capturesFrames = CaptureMode::Live;
+  Rendering capturesFrames = Rendering::Live;
 
   /// The pings on screen, newest first, as far as they can reach into the canvas.
   [[nodiscard]] QList<Ping> visiblePings() const;
 
-  /// Fills the canvas from the painter's origin, at any scale of the painter. The cards stand at rest.
-  void paint(QPainter& painter, LockScreenCache& cache) const;
-
-  /// The same with the cards where an animation has them, in drawing order.
+  /// Fills the canvas from the painter's origin, at any scale of the painter, with the cards where an
+  /// animation has them, in drawing order.
   void paint(QPainter& painter, LockScreenCache& cache, const QList<StackedCard>& cards) const;
 
   /// The whole picture at a scale: RGB32 when captured, ARGB32 premultiplied with cut corners when live. The

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "drawing/text_line.h"
+#include "lockscreen/app_glyph.h"
+#include "model/ping.h"
+
+#include <QCache>
 #include <QImage>
-#include <QList>
 #include <QPainter>
 #include <QPointF>
 #include <QRectF>
-
-#include "lockscreen/app_glyph.h"
-#include "model/ping.h"
-#include "platform/text_line.h"
+#include <QStringList>
 
 namespace brisklet {
 
@@ -53,13 +54,8 @@ class CardContentCache {
                              AppGlyphCache& glyphs);
 
  private:
-  struct Entry {
-    Ping ping;
-    QSize pixels;
-    QImage image;
-  };
-  /// The last used one at the end.
-  QList<Entry> entries_;
+  /// Twice what a canvas holds, so that a stack can change as a whole and back.
+  QCache<QStringList, QImage> contents_{20};
 };
 
 }  // namespace brisklet

@@ -1,14 +1,13 @@
 #include "lockscreen/wallpaper.h"
 
+#include "drawing/image_decoder.h"
+#include "drawing/pictures.h"
 #include "lockscreen/bundle_image.h"
 #include "model/catalogue.h"
 #include "model/color.h"
-#include "platform/image_decoder.h"
-#include "platform/picture_memory.h"
 
 #include <QColor>
 #include <QFileInfo>
-#include <QPainter>
 #include <QRectF>
 #include <algorithm>
 #include <cmath>
@@ -21,18 +20,11 @@ namespace {
 /// Smaller pictures are made from one of this size, so that a window can be resized without decoding anew.
 constexpr QSize printSize(1170, 2532);
 
-QImage overBlack(const QImage& image) {
-  if (!image.hasAlphaChannel()) return whole(image.convertToFormat(QImage::Format_RGB32));
-  QImage opaque = newPicture(image.size(), QImage::Format_RGB32);
-  opaque.fill(Qt::black);
-  QPainter(&opaque).drawImage(0, 0, image);
-  return opaque;
-}
-
 QImage plainFill(const QSize& pixels) {
   const Color color = Color::fromHex(u"#9bb4be"_s);
-  QImage image = newPicture(pixels, QImage::Format_RGB32);
-  image.fill(QColor::fromRgbF(float(color.red), float(color.green), float(color.blue)));
+  QImage image(pixels, QImage::Format_RGB32);
+  image.fill(QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                              static_cast<float>(color.blue)));
   return image;
 }
 
@@ -40,47 +32,38 @@ QImage plainFill(const QSize& pixels) {
 
 QImage photoFill(const QImage& photo, const QSize& pixels) {
   if (photo.isNull() || pixels.isEmpty()) return {};
-  const double scale =
-      std::max(double(pixels.width()) / photo.width(), double(pixels.height()) / photo.height());
+  const double scale = std::max(static_cast<double>(pixels.width()) / photo.width(),
+                                static_cast<double>(pixels.height()) / photo.height());
   // Only what shows is scaled: a narrow strip enlarged as a whole would be immense.
   QRectF shown(0, 0, pixels.width() / scale, pixels.height() / scale);
   shown.moveCenter({photo.width() / 2.0, photo.height() / 2.0});
   const QRect source = shown.toAlignedRect() & photo.rect();
   const QSize scaledSize(std::max(pixels.width(), qRound(source.width() * scale)),
                          std::max(pixels.height(), qRound(source.height() * scale)));
-  const QImage cut = source == photo.rect() ? photo : whole(photo.copy(source));
-  const QImage scaled = whole(cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+  const QImage cut = source == photo.rect() ? photo : photo.copy(source);
+  const QImage scaled = cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   const int left =
       std::clamp(qRound((shown.left() - source.left()) * scale), 0, scaledSize.width() - pixels.width());
   const int top =
       std::clamp(qRound((shown.top() - source.top()) * scale), 0, scaledSize.height() - pixels.height());
-  return scaled.size() == pixels ? scaled : whole(scaled.copy(QRect(QPoint(left, top), pixels)));
+  return scaled.size() == pixels ? scaled : scaled.copy(QRect(QPoint(left, top), pixels));
 }
 
 const QImage& WallpaperSource::filled(const SequenceDocument& document, const QSize& pixels,
                                       PhotoChanges changes) {
-  if (changes == PhotoChanges::Ignored && image_.size() == pixels && wallpaper_ == document.wallpaper &&
-      wallpaperUrl_ == document.wallpaperUrl)
-    return image_;
-  wallpaper_ = document.wallpaper;
-  wallpaperUrl_ = document.wallpaperUrl;
-  Origin origin = originOf(document);
-  if (!(origin == origin_)) {
-    origin_ = std::move(origin);
-    print_ = image_ = {};
-  }
-  if (image_.size() == pixels) return image_;
-  if (pixels.width() > printSize.width() || pixels.height() > printSize.height()) {
-    image_ = read(origin_, pixels);
-  } else {
-    if (print_.isNull()) print_ = read(origin_, printSize);
-    image_ = pixels == printSize ? print_ : overBlack(photoFill(print_, pixels));
-  }
-  return image_;
+  std::pair asked{document.wallpaper, document.wallpaperUrl};
+  if (changes == PhotoChanges::Followed || asked_ != asked) origin_ = originOf(document);
+  asked_ = std::move(asked);
+  return image_.get({origin_, pixels}, [&] {
+    if (pixels.width() > printSize.width() || pixels.height() > printSize.height())
+      return read(origin_, pixels);
+    const QImage& print = print_.get(origin_, [&] { return read(origin_, printSize); });
+    return pixels == printSize ? print : overBlack(photoFill(print, pixels));
+  });
 }
 
 WallpaperSource::Origin WallpaperSource::originOf(const SequenceDocument& document) {
-  if (document.wallpaper == u"custom"_s && !document.wallpaperUrl.contains(QChar(u'\0'))) {
+  if (document.wallpaper == customId && !document.wallpaperUrl.contains(QChar(u'\0'))) {
     const QFileInfo file(document.wallpaperUrl);
     if (file.isFile()) return {{}, document.wallpaperUrl, file.size(), file.lastModified()};
   }

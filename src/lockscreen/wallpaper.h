@@ -1,11 +1,14 @@
 #pragma once
 
+#include "lockscreen/kept.h"
+#include "model/sequence_document.h"
+
 #include <QDateTime>
 #include <QImage>
 #include <QSize>
 #include <QString>
-
-#include "model/sequence_document.h"
+#include <optional>
+#include <utility>
 
 namespace brisklet {
 
@@ -39,12 +42,12 @@ class WallpaperSource {
   [[nodiscard]] static Origin originOf(const SequenceDocument& document);
   [[nodiscard]] static QImage read(const Origin& origin, const QSize& pixels);
 
+  /// What the document said, and what it meant then.
+  std::optional<std::pair<QString, QString>> asked_;
   Origin origin_;
-  /// What the document says of it.
-  QString wallpaper_, wallpaperUrl_;
   /// The picture at the size of a movie's frame, from which smaller ones are made.
-  QImage print_;
-  QImage image_;
+  Kept<Origin, QImage> print_;
+  Kept<std::pair<Origin, QSize>, QImage> image_;
 };
 
 }  // namespace brisklet

@@ -1,15 +1,16 @@
 #include "lockscreen/wallpaper_store.h"
 
+#include "base/error.h"
+#include "drawing/pictures.h"
+#include "model/text.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QImageWriter>
-#include <QPainter>
 #include <QStandardPaths>
-#include <QUuid>
 
-#include "base/error.h"
-#include "platform/library_messages.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -18,20 +19,13 @@ namespace {
 constexpr int jpegQuality = 92;
 
 QByteArray jpegOf(const QImage& image) {
-  QImage opaque = image;
-  if (image.hasAlphaChannel()) {
-    opaque = QImage(image.size(), QImage::Format_RGB32);
-    opaque.fill(Qt::black);
-    QPainter(&opaque).drawImage(0, 0, image);
-  }
-  const QuietLibraries quiet;
   QByteArray bytes;
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::WriteOnly);
   QImageWriter writer(&buffer, "jpeg");
   writer.setQuality(jpegQuality);
-  if (!writer.write(opaque) || bytes.isEmpty())
-    throw Error(QStringLiteral("Could not store the photo: it cannot be written as a JPEG."));
+  if (!writer.write(overBlack(image)) || bytes.isEmpty())
+    throw Error(u"Could not store the photo: it cannot be written as a JPEG."_s);
   return bytes;
 }
 
@@ -39,19 +33,17 @@ QByteArray jpegOf(const QImage& image) {
 
 QString WallpaperStore::directory() {
   const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-  return data.isEmpty() ? QString() : data + QStringLiteral("/Brisklet");
+  return data.isEmpty() ? QString() : data + u"/Brisklet"_s;
 }
 
 QString WallpaperStore::save(const QImage& image) {
   const QString folder = directory();
-  if (folder.isEmpty())
-    throw Error(QStringLiteral("Could not store the photo: this user has no folder for data."));
+  if (folder.isEmpty()) throw Error(u"Could not store the photo: this user has no folder for data."_s);
   if (!QDir().mkpath(folder))
-    throw Error(QStringLiteral("Could not store the photo: the folder “%1” cannot be made.").arg(folder));
+    throw Error(u"Could not store the photo: the folder “%1” cannot be made."_s.arg(folder));
   const QByteArray jpeg = jpegOf(image);
 
-  QString path = QStringLiteral("%1/wallpaper-%2.jpg")
-                     .arg(folder, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+  QString path = u"%1/wallpaper-%2.jpg"_s.arg(folder, newUuid());
   QFile file(path);
   const bool isOpen = file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
   if (!isOpen || file.write(jpeg) != jpeg.size() || !file.flush()) {
@@ -59,7 +51,7 @@ QString WallpaperStore::save(const QImage& image) {
     file.close();
     // Not `file.remove()`, which does nothing when what is buffered cannot be written.
     if (isOpen) QFile::remove(path);
-    throw Error(QStringLiteral("Could not store the photo as “%1”: %2.").arg(path, reason));
+    throw Error(u"Could not store the photo as “%1”: %2."_s.arg(path, reason));
   }
   return path;
 }

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <QLatin1StringView>
 #include <QList>
 #include <QString>
 #include <optional>
 
 namespace brisklet {
+
+/// The id of what is the user's own: an app that they named, a wallpaper that is their photo.
+inline constexpr QLatin1StringView customId("custom");
 
 /// A built-in app from which pings are made.
 struct AppPreset {

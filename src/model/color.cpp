@@ -1,6 +1,8 @@
 #include "model/color.h"
 
-#include "model/text.h"
+#include "base/graphemes.h"
+
+#include <iterator>
 
 namespace brisklet {
 
@@ -21,10 +23,11 @@ int hexDigitValue(QChar unit) {
 Color Color::fromHex(const QString& text) {
   QString digits = text.trimmed();
   // A "#" that carries a combining mark is another character, and stays.
-  if (firstCharacter(digits.left(8)) == QLatin1String("#")) digits.remove(0, 1);
+  if (firstGrapheme(digits.left(8)) == QLatin1String("#")) digits.remove(0, 1);
   // A character has at least one unit, and nobody writes a colour with thousands of combining marks.
   constexpr qsizetype longestColour = 4096;
-  if (digits.size() < digitCount || digits.size() > longestColour || characterCount(digits) != digitCount)
+  if (digits.size() < digitCount || digits.size() > longestColour ||
+      std::ssize(graphemeEnds(digits)) != digitCount)
     return {0.5, 0.5, 0.5, 1};
 
   if (digits.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)) digits.remove(0, 2);

@@ -1,16 +1,17 @@
 #include "model/document_json.h"
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <limits>
-#include <nlohmann/json.hpp>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "base/error.h"
 #include "model/text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QLocale>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <string>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -45,115 +46,53 @@ Json encodePing(const Ping& ping, qsizetype index) {
   return object;
 }
 
-/// The values of one JSON object, with errors that carry its path.
-class ObjectReader {
- public:
-  /// `path` is empty for the document itself.
-  ObjectReader(const Json& object, QString path) : object_(object), path_(std::move(path)) {
-    if (!object_.is_object())
-      throw Error(path_.isEmpty() ? u"the scene must be an object, as in {\"title\": \"Launch day\"}"_s
-                                  : path_ + u" must be an object"_s);
-  }
-
-  /// The value at `key`, or null when it is missing or null.
-  const Json* find(const char* key) const {
-    const auto found = object_.find(key);
-    return found == object_.end() || found->is_null() ? nullptr : &*found;
-  }
-
-  std::optional<QString> string(const char* key) const {
-    const Json* value = find(key);
-    if (!value) return {};
-    if (!value->is_string()) fail(key, u"must be a string"_s);
-    return QString::fromStdString(value->get_ref<const std::string&>());
-  }
-
-  std::optional<bool> boolean(const char* key) const {
-    const Json* value = find(key);
-    if (!value) return {};
-    if (!value->is_boolean()) fail(key, u"must be true or false"_s);
-    return value->get<bool>();
-  }
-
-  std::optional<qint64> integer(const char* key) const {
-    const Json* value = find(key);
-    if (!value) return {};
-    if (value->is_number_unsigned() &&
-        value->get<quint64>() > static_cast<quint64>(std::numeric_limits<qint64>::max()))
-      fail(key, u"is too large"_s);
-    if (value->is_number_integer()) return value->get<qint64>();
-    if (!value->is_number_float()) fail(key, u"must be a whole number"_s);
-    const double real = value->get<double>();
-    constexpr double beyondInt64 = 9223372036854775808.0;  // 2^63
-    if (std::trunc(real) != real) fail(key, u"must be a whole number"_s);
-    if (real < -beyondInt64 || real >= beyondInt64) fail(key, u"is too large"_s);
-    return static_cast<qint64>(real);
-  }
-
-  [[noreturn]] void fail(const char* key, const QString& complaint) const {
-    const QString name = QString::fromLatin1(key);
-    throw Error((path_.isEmpty() ? u"\"%1\""_s.arg(name) : path_ + u'.' + name) + u' ' + complaint);
-  }
-
- private:
-  const Json& object_;
-  QString path_;
-};
-
-Ping decodePing(const Json& json, qsizetype index) {
-  const ObjectReader reader(json, u"notifications[%1]"_s.arg(index));
-  Ping ping;
-  const std::optional<QString> id = reader.string("id");
-  ping.id = id ? *id : newUuid();
-  ping.appId = reader.string("appId").value_or(u"tiktok"_s);
-  ping.appLabel = reader.string("appLabel").value_or(u"Notification"_s);
-  ping.icon = reader.string("icon").value_or(u"\u2605"_s);
-  ping.color = reader.string("color").value_or(u"#111111"_s);
-  ping.title = reader.string("title").value_or(ping.appLabel);
-  ping.message = reader.string("message").value_or(u"New notification"_s);
-  if (const Json* delay = reader.find("delayMs"); delay && delay->is_number())
-    ping.delayMs = delay->get<double>();
-  ping.sound = reader.string("sound");
-  return ping;
-}
-
-int hexValue(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
-  return -1;
-}
-
 /// The code unit of the escape `\uXXXX` at `at`, or -1 when there is none.
 int escapedUnit(const QByteArray& json, qsizetype at) {
   if (at + 6 > json.size() || json[at] != '\\' || json[at + 1] != 'u') return -1;
-  int unit = 0;
-  for (qsizetype i = at + 2; i < at + 6; ++i) {
-    const int value = hexValue(json[i]);
-    if (value < 0) return -1;
-    unit = unit * 16 + value;
-  }
-  return unit;
+  bool isHex = false;
+  const int unit = QByteArrayView(json).sliced(at + 2, 4).toInt(&isHex, 16);
+  return isHex ? unit : -1;
 }
 
-/// JSON allows an escape of half a surrogate pair, which stands for no character; the parser does not. Each
-/// becomes U+FFFD. The text keeps its length, so that lines and columns in messages stay true.
-QByteArray withoutLoneSurrogates(QByteArray json) {
-  for (qsizetype at = json.indexOf('\\'); at >= 0; at = json.indexOf('\\', at)) {
-    const int unit = escapedUnit(json, at);
-    if (unit < 0) {
-      at += 2;
-      continue;
+/// Skips the escape at `at`, or the two of a surrogate pair. Half a pair becomes U+FFFD.
+void skipEscape(QByteArray& json, qsizetype& at) {
+  const int unit = escapedUnit(json, at);
+  const bool isHigh = unit >= 0xd800 && unit < 0xdc00;
+  const bool isLow = unit >= 0xdc00 && unit < 0xe000;
+  const int next = isHigh ? escapedUnit(json, at + 6) : -1;
+  const bool isPair = next >= 0xdc00 && next < 0xe000;
+  if ((isHigh || isLow) && !isPair) json.replace(at + 2, 4, "fffd");
+  at += unit < 0 ? 2 : isPair ? 12 : 6;
+}
+
+/// Stands for a number that no double can hold. Nobody writes zero like this.
+constexpr char tooLarge[] = "0e999";
+
+/// Skips the number at `at`. One that no double can hold becomes `tooLarge`.
+void skipNumber(QByteArray& json, qsizetype& at) {
+  const qsizetype begin = at;
+  while (at < json.size() && QByteArrayView("0123456789+-.eE").contains(json[at])) ++at;
+  const qsizetype length = at - begin;
+  // The shortest is 1e309.
+  if (length < 5 || !std::isinf(QLocale::c().toDouble(QString::fromLatin1(json.sliced(begin, length)))))
+    return;
+  json.replace(begin, length, QByteArray(tooLarge).leftJustified(length, '9'));
+}
+
+/// JSON allows two things that the parser does not: half a surrogate pair and any number. The text keeps its
+/// length, so that lines and columns in messages stay true.
+QByteArray withoutOddities(QByteArray json) {
+  bool isInString = false;
+  for (qsizetype at = 0; at < json.size();) {
+    const char next = json.at(at);
+    if (isInString && next == '\\') {
+      skipEscape(json, at);
+    } else if (!isInString && (next == '-' || (next >= '0' && next <= '9'))) {
+      skipNumber(json, at);
+    } else {
+      if (next == '"') isInString = !isInString;
+      ++at;
     }
-    const bool isHigh = unit >= 0xd800 && unit < 0xdc00;
-    const bool isLow = unit >= 0xdc00 && unit < 0xe000;
-    const int next = isHigh ? escapedUnit(json, at + 6) : -1;
-    if (isHigh && next >= 0xdc00 && next < 0xe000) {
-      at += 12;
-      continue;
-    }
-    if (isHigh || isLow) json.replace(at + 2, 4, "fffd");
-    at += 6;
   }
   return json;
 }
@@ -180,106 +119,181 @@ QString reasonOf(const std::exception& error) {
   return shortened(reason.startsWith(u"syntax error ") ? reason.mid(13) : reason);
 }
 
-constexpr std::array documentKeys{"title",      "wallpaper", "wallpaperUrl", "dateLabel",    "timeLabel",
-                                  "maxVisible", "playing",   "loop",         "notifications"};
-
-constexpr std::array pingKeys{"id",    "appId",   "appLabel", "icon", "color",
-                              "title", "message", "delayMs",  "sound"};
-
-bool isKnownKey(const std::string& key, int depth) {
-  const auto isIn = [&key](const auto& keys) {
-    return std::find(keys.begin(), keys.end(), key) != keys.end();
-  };
-  return depth == 1 ? isIn(documentKeys) : isIn(pingKeys);
-}
-
-/// Builds the values that a document knows while the text is read. What it does not know is dropped before it
-/// takes memory. (The library's own builder with a filter looks at all former elements of an array after
-/// each.)
-class SceneBuilder final : public nlohmann::json_sax<Json> {
+/// Fills a document while its text is read. What the document does not know is passed over, and takes no
+/// memory.
+class DocumentReader final : public nlohmann::json_sax<Json> {
  public:
-  explicit SceneBuilder(const QByteArray& text) : text_(text) {}
+  explicit DocumentReader(const QByteArray& text) : text_(text) {}
 
-  [[nodiscard]] Json takeRoot() { return std::move(root_); }
-
-  bool null() override { return put(nullptr); }
-  bool boolean(bool value) override { return put(value); }
-  bool number_integer(number_integer_t value) override { return put(value); }
-  bool number_unsigned(number_unsigned_t value) override { return put(value); }
-  bool number_float(number_float_t value, const string_t&) override { return put(value); }
-  bool string(string_t& value) override { return put(std::move(value)); }
-  bool binary(binary_t&) override { return false; }  // JSON has none
-  bool start_object(std::size_t) override { return open(Json::object()); }
-  bool end_object() override { return close(); }
-  bool start_array(std::size_t) override { return open(Json::array()); }
-  bool end_array() override { return close(); }
-
-  bool key(string_t& key) override {
-    if (dropped_ > 0) return true;
-    dropsNext_ = !isKnownKey(key, static_cast<int>(open_.size()));
-    if (!dropsNext_) member_ = &(*open_.back())[key];
-    return true;
+  [[nodiscard]] SequenceDocument document() const {
+    SequenceDocument document = document_;
+    document.dateLabel = dateLabel_ ? *dateLabel_ : SequenceDocument::iosDateLabel();
+    return document;
   }
 
-  bool parse_error(std::size_t byte, const std::string& token, const Json::exception& error) override {
-    if (dynamic_cast<const Json::out_of_range*>(&error))
-      throw Error(u"it holds a number that is too large: %1"_s.arg(shortened(QString::fromUtf8(token))));
+  bool null() override { return take(nullptr); }
+  bool boolean(bool value) override { return take(value); }
+  bool number_integer(number_integer_t value) override { return take(value); }
+  bool number_unsigned(number_unsigned_t value) override { return take(value); }
+  bool number_float(number_float_t value, const string_t& text) override {
+    return take(text.starts_with(tooLarge) ? std::numeric_limits<double>::infinity() : value);
+  }
+  bool string(string_t& value) override { return take(std::move(value)); }
+  bool binary(binary_t&) override { return false; }  // JSON has none
+  bool key(string_t& key) override {
+    if (passedOver_ == 0) key_ = std::move(key);
+    return true;
+  }
+  bool start_object(std::size_t) override {
+    return open(Json::object(), inside_ == Inside::Nothing || inside_ == Inside::Pings);
+  }
+  bool start_array(std::size_t) override {
+    return open(Json::array(), inside_ == Inside::Document && key_ == "notifications");
+  }
+  bool end_object() override { return close(); }
+  bool end_array() override { return close(); }
+
+  bool parse_error(std::size_t byte, const std::string&, const Json::exception& error) override {
     throw Error(u"it is not valid JSON at %1: %2"_s.arg(positionOf(text_, byte), reasonOf(error)));
   }
 
  private:
-  /// Where the value was put, or null if it was dropped.
-  Json* place(Json value) {
-    if (dropped_ > 0 || std::exchange(dropsNext_, false)) return nullptr;
-    // A ping has nine keys, and a value of the wrong type may hide more: enough for the largest document, far
-    // from what would hurt.
-    constexpr qsizetype maxValues = maxDocumentPings * 16;
-    if (++values_ > maxValues) throw Error(u"it holds more than %1 values"_s.arg(maxValues));
-    if (!open_.empty() && open_.back()->is_array())
-      return &open_.back()->get_ref<Json::array_t&>().emplace_back(std::move(value));
-    Json* const target = open_.empty() ? &root_ : member_;
-    *target = std::move(value);
-    return target;
-  }
+  /// The innermost of the open arrays and objects that are not passed over; each opens within the former.
+  enum class Inside { Nothing, Document, Pings, Ping };
 
-  bool put(Json value) {
-    place(std::move(value));
-    return true;
-  }
-
-  bool open(Json container) {
-    if (static_cast<int>(open_.size()) + dropped_ >= maxDocumentDepth)
+  bool open(const Json& container, bool isExpected) {
+    if (static_cast<int>(inside_) + passedOver_ >= maxDocumentDepth)
       throw Error(u"it is nested more than %1 levels deep"_s.arg(maxDocumentDepth));
-    if (Json* const placed = place(std::move(container)))
-      open_.push_back(placed);
-    else
-      ++dropped_;
+    if (passedOver_ > 0 || !isExpected) {
+      take(container);
+      ++passedOver_;
+      return true;
+    }
+    inside_ = static_cast<Inside>(static_cast<int>(inside_) + 1);
+    if (inside_ == Inside::Pings) document_.notifications.clear();
+    if (inside_ == Inside::Ping) {
+      if (document_.notifications.size() == maxDocumentPings)
+        throw Error(u"\"notifications\" holds more than %1 pings"_s.arg(maxDocumentPings));
+      ping_ = defaultPing();
+      id_ = title_ = {};
+    }
     return true;
   }
 
   bool close() {
-    if (dropped_ > 0)
-      --dropped_;
-    else
-      open_.pop_back();
+    if (passedOver_ > 0) {
+      --passedOver_;
+      return true;
+    }
+    if (inside_ == Inside::Ping) {
+      ping_.id = id_ ? *id_ : newUuid();
+      ping_.title = title_.value_or(ping_.appLabel);
+      document_.notifications.append(ping_);
+    }
+    inside_ = static_cast<Inside>(static_cast<int>(inside_) - 1);
     return true;
   }
 
-  const QByteArray& text_;
-  Json root_;
-  // From the root inwards. What one of them holds grows only when those in it are closed.
-  std::vector<Json*> open_;
-  Json* member_ = nullptr;  // the value of the key that was read last
-  int dropped_ = 0;         // open arrays and objects that are dropped
-  bool dropsNext_ = false;  // the value of the key that was read last is dropped
-  qsizetype values_ = 0;
-};
+  bool take(const Json& value) {
+    if (passedOver_ > 0) return true;
+    switch (inside_) {
+      case Inside::Nothing:
+        throw Error(u"the scene must be an object, as in {\"title\": \"Launch day\"}"_s);
+      case Inside::Document:
+        takeDocumentValue(value);
+        break;
+      case Inside::Pings:
+        throw Error(u"notifications[%1] must be an object"_s.arg(document_.notifications.size()));
+      case Inside::Ping:
+        takePingValue(value);
+    }
+    return true;
+  }
 
-Json parse(const QByteArray& json) {
-  SceneBuilder builder(json);
-  Json::sax_parse(json.begin(), json.end(), &builder);
-  return builder.takeRoot();
-}
+  void takeDocumentValue(const Json& value) {
+    const SequenceDocument& blank = SequenceDocument::blank();
+    if (key_ == "title") document_.title = textOf(value).value_or(blank.title);
+    if (key_ == "wallpaper") document_.wallpaper = textOf(value).value_or(blank.wallpaper);
+    if (key_ == "wallpaperUrl") document_.wallpaperUrl = textOf(value).value_or(blank.wallpaperUrl);
+    if (key_ == "dateLabel") dateLabel_ = textOf(value);
+    if (key_ == "timeLabel") document_.timeLabel = textOf(value).value_or(blank.timeLabel);
+    if (key_ == "maxVisible") document_.maxVisible = integerOf(value).value_or(blank.maxVisible);
+    if (key_ == "playing") document_.playing = flagOf(value).value_or(blank.playing);
+    if (key_ == "loop") document_.loop = flagOf(value).value_or(blank.loop);
+    if (key_ == "notifications") {
+      if (!value.is_null()) fail(u"must be an array"_s);
+      document_.notifications.clear();
+    }
+  }
+
+  void takePingValue(const Json& value) {
+    if (key_ == "id") id_ = textOf(value);
+    if (key_ == "appId") ping_.appId = textOf(value).value_or(defaultPing().appId);
+    if (key_ == "appLabel") ping_.appLabel = textOf(value).value_or(defaultPing().appLabel);
+    if (key_ == "icon") ping_.icon = textOf(value).value_or(defaultPing().icon);
+    if (key_ == "color") ping_.color = textOf(value).value_or(defaultPing().color);
+    if (key_ == "title") title_ = textOf(value);
+    if (key_ == "message") ping_.message = textOf(value).value_or(defaultPing().message);
+    if (key_ == "delayMs") ping_.delayMs = value.is_number() ? value.get<double>() : 0;
+    if (key_ == "sound") ping_.sound = textOf(value);
+    if (!std::isfinite(ping_.delayMs)) fail(u"is too large"_s);
+  }
+
+  static const Ping& defaultPing() {
+    static const Ping ping{.id = {},
+                           .appId = u"tiktok"_s,
+                           .appLabel = u"Notification"_s,
+                           .icon = u"\u2605"_s,
+                           .color = u"#111111"_s,
+                           .title = {},
+                           .message = u"New notification"_s,
+                           .delayMs = 0,
+                           .sound = {}};
+    return ping;
+  }
+
+  // Each gives nothing for null.
+
+  [[nodiscard]] std::optional<QString> textOf(const Json& value) const {
+    if (value.is_null()) return {};
+    if (!value.is_string()) fail(u"must be a string"_s);
+    return QString::fromStdString(value.get_ref<const std::string&>());
+  }
+
+  [[nodiscard]] std::optional<bool> flagOf(const Json& value) const {
+    if (value.is_null()) return {};
+    if (!value.is_boolean()) fail(u"must be true or false"_s);
+    return value.get<bool>();
+  }
+
+  [[nodiscard]] std::optional<qint64> integerOf(const Json& value) const {
+    if (value.is_null()) return {};
+    if (value.is_number_integer() && !value.is_number_unsigned()) return value.get<qint64>();
+    const double real = value.is_number() ? value.get<double>() : 0.5;
+    constexpr double beyondInt64 = 9223372036854775808.0;  // 2^63
+    if (std::trunc(real) != real) fail(u"must be a whole number"_s);
+    if (real < -beyondInt64 || real >= beyondInt64) fail(u"is too large"_s);
+    return value.get<qint64>();
+  }
+
+  [[noreturn]] void fail(const QString& complaint) const {
+    const QString key = QString::fromStdString(key_);
+    throw Error((inside_ == Inside::Ping
+                     ? u"notifications[%1].%2"_s.arg(document_.notifications.size()).arg(key)
+                     : u"\"%1\""_s.arg(key)) +
+                u' ' + complaint);
+  }
+
+  const QByteArray& text_;
+  SequenceDocument document_ = SequenceDocument::blank();
+  std::optional<QString> dateLabel_;
+  Ping ping_;  // the open one
+  std::optional<QString> id_;
+  std::optional<QString> title_;
+  Inside inside_ = Inside::Nothing;
+  int passedOver_ = 0;  // open arrays and objects
+  std::string key_;
+};
 
 }  // namespace
 
@@ -302,27 +316,13 @@ QByteArray encodeDocument(const SequenceDocument& document) {
 
 SequenceDocument decodeDocument(const QByteArray& json) {
   if (json.size() > maxDocumentBytes) throw Error(u"it is larger than %1 MiB"_s.arg(maxDocumentBytes >> 20));
-  const Json root = parse(withoutLoneSurrogates(json));
-
-  const ObjectReader reader(root, {});
-  SequenceDocument document;
-  document.title = reader.string("title").value_or(u"Untitled"_s);
-  document.wallpaper = reader.string("wallpaper").value_or(u"one"_s);
-  document.wallpaperUrl = reader.string("wallpaperUrl").value_or(QString());
-  const std::optional<QString> dateLabel = reader.string("dateLabel");
-  document.dateLabel = dateLabel ? *dateLabel : SequenceDocument::iosDateLabel();
-  document.timeLabel = reader.string("timeLabel").value_or(u"9:41"_s);
-  document.maxVisible = reader.integer("maxVisible").value_or(5);
-  document.playing = reader.boolean("playing").value_or(false);
-  document.loop = reader.boolean("loop").value_or(false);
-  if (const Json* pings = reader.find("notifications")) {
-    if (!pings->is_array()) reader.fail("notifications", u"must be an array"_s);
-    if (pings->size() > static_cast<std::size_t>(maxDocumentPings))
-      reader.fail("notifications", u"holds more than %1 pings"_s.arg(maxDocumentPings));
-    for (std::size_t i = 0; i < pings->size(); ++i)
-      document.notifications.append(decodePing((*pings)[i], static_cast<qsizetype>(i)));
-  }
-  return document;
+  if (json.startsWith("\xff\xfe") || json.startsWith("\xfe\xff") ||
+      json.first(std::min<qsizetype>(4, json.size())).contains('\0'))
+    throw Error(u"it is in UTF-16 or UTF-32; scenes are UTF-8"_s);
+  const QByteArray text = withoutOddities(json);
+  DocumentReader reader(text);
+  Json::sax_parse(text.begin(), text.end(), &reader);
+  return reader.document();
 }
 
 }  // namespace brisklet

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QByteArray>
-
 #include "model/sequence_document.h"
+
+#include <QByteArray>
 
 namespace brisklet {
 

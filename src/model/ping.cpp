@@ -1,9 +1,9 @@
 #include "model/ping.h"
 
+#include "model/text.h"
+
 #include <cmath>
 #include <limits>
-
-#include "model/text.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,10 +1,10 @@
 #include "model/sequence_document.h"
 
+#include "model/text.h"
+
 #include <QDate>
 #include <QLocale>
 #include <algorithm>
-
-#include "model/text.h"
 
 using namespace Qt::StringLiterals;
 

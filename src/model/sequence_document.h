@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/ping.h"
+
 #include <QList>
 #include <QString>
-
-#include "model/ping.h"
 
 namespace brisklet {
 

@@ -48,8 +48,10 @@ void SequencePlayer::setIsPlaying(bool isPlaying) {
 
 void SequencePlayer::play() {
   stop();
+  // An observer of either may stop the run at once.
   setIsPlaying(true);
-  setElapsedMs(0);
+  if (isPlaying_) setElapsedMs(0);
+  if (!isPlaying_) return;
   startMs_ = clock_();
   runLengthMs_ = document_.durationMs();
   scheduleTick();

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "model/sequence_document.h"
+
 #include <QObject>
 #include <QTimer>
 #include <functional>
 #include <limits>
 #include <optional>
-
-#include "model/sequence_document.h"
 
 namespace brisklet {
 

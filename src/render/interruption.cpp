@@ -11,7 +11,7 @@ namespace brisklet {
 
 namespace {
 
-constexpr std::array signalsHeard{SIGINT, SIGTERM, SIGHUP, SIGXCPU};
+constexpr std::array signalsHeard{SIGINT, SIGTERM, SIGHUP};
 
 // A signal handler may do next to nothing, so it writes a byte that the event loop reads.
 int pipeEnds[2] = {-1, -1};

@@ -6,8 +6,8 @@
 
 namespace brisklet {
 
-/// Turns the first Ctrl-C (SIGINT), SIGTERM, SIGHUP or end of the processor time allowed (SIGXCPU) into a
-/// stop request, through the event loop. A second one ends the program at once.
+/// Turns the first Ctrl-C (SIGINT), SIGTERM or SIGHUP into a stop request, through the event loop. A second
+/// one ends the program at once.
 class Interruption {
  public:
   explicit Interruption(std::stop_source stop);

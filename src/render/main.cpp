@@ -1,25 +1,21 @@
+#include "base/system_cause.h"
+#include "export/event_loop.h"
+#include "export/libraries.h"
+#include "render/interruption.h"
+#include "render/render_job.h"
+#include "render/render_options.h"
+
 #include <fcntl.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
-#include <array>
-#include <atomic>
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
-#include <new>
-
-#include "base/wait_for_task.h"
-#include "export/video_exporter.h"
-#include "platform/picture_threads.h"
-#include "platform/unique_fd.h"
-#include "render/interruption.h"
-#include "render/render_job.h"
-#include "render/render_options.h"
+#include <filesystem>
+#include <system_error>
 
 using namespace brisklet;
 using namespace Qt::StringLiterals;
@@ -39,16 +35,7 @@ QString asLine(QString text) {
 /// Standard error, for the program's own words.
 std::FILE* const said = stderr;
 
-/// Whether as many files can be open as fonts, threads and the movie need: where the fonts cannot be,
-/// pictures would go without.
-bool mayOpenFiles() {
-  std::array<UniqueFd, 24> files;
-  for (UniqueFd& file : files) file = UniqueFd(open("/dev/null", O_RDONLY | O_CLOEXEC));
-  return static_cast<bool>(files.back());
-}
-
-/// Libraries remark there on photos and on memory, beside the error that they return: what matters of it
-/// becomes the one line. Sanitizers, and a library that aborts, write past this.
+/// Some libraries remark there on photos, beside the error that they return, and ask nobody.
 void silenceLibraries() {
   if (std::FILE* nowhere = std::fopen("/dev/null", "we")) stderr = nowhere;
 }
@@ -85,25 +72,42 @@ class Console {
   int percent_ = -1;
 };
 
-/// Only one of these ends the other jobs of a batch.
-ExitStatus run(const RenderJob& job, Console& console, const std::stop_source& stop) {
+/// Makes a folder and those above it that are missing. What of them stays empty is taken away again.
+class MadeFolder {
+ public:
+  explicit MadeFolder(const QString& path) {
+    if (path.isEmpty()) return;
+    for (QFileInfo missing(QDir::cleanPath(path)); !missing.exists(); missing.setFile(missing.path()))
+      made_.append(missing.filePath());
+    std::error_code failure;
+    std::filesystem::create_directories(QFile::encodeName(path).toStdString(), failure);
+    if (failure) throw Error(u"%1: it cannot be made: %2"_s.arg(path, systemCause(failure.value())));
+  }
+  ~MadeFolder() {
+    for (const QString& path : made_) QDir().rmdir(path);
+  }
+  MadeFolder(const MadeFolder&) = delete;
+  MadeFolder& operator=(const MadeFolder&) = delete;
+
+ private:
+  QStringList made_;  // the innermost first
+};
+
+/// Only an interruption ends the other jobs of a batch.
+ExitStatus run(const RenderJob& job, const QStringList& photos, Console& console,
+               const std::stop_source& stop) {
   const auto progress = [&console, &job](qint64 framesDone, qint64 frames) {
     console.progress(job.movie, framesDone, frames);
   };
   try {
-    waitForTask(runRenderJob(job, progress, stop.get_token()));
+    waitForTask(runRenderJob(job, photos, progress, stop.get_token()));
     console.clearProgress();
     return Done;
   } catch (const ExportCancelled&) {
-    const QString& output = !job.movie.isEmpty()        ? job.movie
-                            : !job.soundtrack.isEmpty() ? job.soundtrack
-                                                        : job.still;
-    console.message(u"interrupted; %1 is not complete"_s.arg(output));
+    console.message(u"interrupted; %1 was not made"_s.arg(job.outputs().last()));
     return Interrupted;
   } catch (const Error& error) {
     console.message(error.text());
-  } catch (const std::bad_alloc&) {
-    console.message(u"%1: there is not enough memory"_s.arg(job.scene));
   } catch (const std::exception& error) {
     console.message(u"%1: %2"_s.arg(job.scene, QString::fromLocal8Bit(error.what())));
   }
@@ -118,31 +122,6 @@ void openStandardStreams() {
     if (fd > STDERR_FILENO) close(fd);
     if (fd < 0 || fd > STDERR_FILENO) return;
   }
-}
-
-/// Threads have an ordinary stack, also where the limit of the first one's (`ulimit -s`) is tiny or immense.
-void setStacks() {
-  pthread_attr_t attributes;
-  if (pthread_attr_init(&attributes) != 0) return;
-  pthread_attr_setstacksize(&attributes, 4 << 20);
-  pthread_setattr_default_np(&attributes);
-  pthread_attr_destroy(&attributes);
-}
-
-/// What a library says before it gives up (no descriptor is left, no thread) becomes the one line; its
-/// remarks about the machine (no runtime directory, an odd locale) mean nothing to who asked for a movie.
-void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
-  if (type != QtFatalMsg) return;
-  static std::atomic_flag isSaid;
-  while (isSaid.test_and_set()) pause();  // another thread has said it, and ends the program
-  Console(false).message(text);
-  std::_Exit(Failed);
-}
-
-/// Memory ended where no job can be given up for it: in a library, or before the first.
-[[noreturn]] void endInASentence() {
-  std::fputs("brisklet-render: there is not enough memory\n", said);
-  std::_Exit(Failed);
 }
 
 /// Throws `UsageError` for a name that is not UTF-8: it would come to mean another file.
@@ -160,24 +139,6 @@ QStringList argumentsOf(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   openStandardStreams();
-  silenceLibraries();
-  setStacks();
-  std::set_terminate(endInASentence);
-  if (!mayOpenFiles()) {
-    Console(false).message(u"too many files are open"_s);
-    return Failed;
-  }
-  // It draws into images only, and needs neither a display nor the desktop's event loop.
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  qputenv("QT_NO_GLIB", "1");
-  // A file that meets a size limit, and a reader that went away, are errors of the write and not the end.
-  std::signal(SIGXFSZ, SIG_IGN);
-  std::signal(SIGPIPE, SIG_IGN);
-  qInstallMessageHandler(handleQtMessage);
-  // Qt would take options such as -style for its own, so it sees none.
-  int qtArgc = 1;
-  QGuiApplication application(qtArgc, argv);
-
   RenderOptions options;
   try {
     options = parseRenderOptions(argumentsOf(argc, argv));
@@ -186,27 +147,36 @@ int main(int argc, char** argv) {
     return WrongUse;
   }
   if (options.help || options.version) {
-    const QString text = options.help ? renderUsage() : u"brisklet-render " BRISKLET_VERSION "\n"_s;
+    const QString text =
+        options.help ? renderUsage() : u"brisklet-render %1\n"_s.arg(QLatin1StringView(BRISKLET_VERSION));
     std::fputs(text.toLocal8Bit().constData(), said);
     return Done;
   }
 
-  if (!startPictureThreads()) {
-    Console(false).message(u"the system allows no more threads"_s);
-    std::_Exit(Failed);
-  }
-  Console console(!options.quiet && isatty(STDERR_FILENO) != 0);
-  if (!options.into.isEmpty() && !QDir().mkpath(options.into)) {
-    console.message(u"%1: the directory cannot be made"_s.arg(options.into));
+  setUpLibraries(options.verbose ? Remarks::Told : Remarks::Silent);
+  // It draws into images only, and needs neither a display nor the desktop's event loop.
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("QT_NO_GLIB", "1");
+  // Qt would take options such as -style for its own, so it sees none.
+  int qtArgc = 1;
+  const QGuiApplication application(qtArgc, argv);
+  if (!options.verbose && !qEnvironmentVariableIsSet("QT_LOGGING_RULES")) silenceLibraries();
+
+  Console console(!options.quiet && !options.verbose && isatty(STDERR_FILENO) != 0);
+  try {
+    const MadeFolder folder(options.into);
+    const QStringList photos = options.jobs.size() > 1 ? photosOf(options.jobs) : QStringList();
+    std::stop_source stop;
+    const Interruption interruption(stop);
+    ExitStatus status = Done;
+    for (const RenderJob& job : options.jobs) {
+      const ExitStatus outcome = run(job, photos, console, stop);
+      if (outcome == Interrupted) return Interrupted;
+      if (outcome == Failed) status = Failed;
+    }
+    return status;
+  } catch (const Error& error) {
+    console.message(error.text());
     return Failed;
   }
-  std::stop_source stop;
-  const Interruption interruption(stop);
-  ExitStatus status = Done;
-  for (const RenderJob& job : options.jobs) {
-    const ExitStatus outcome = run(job, console, stop);
-    if (outcome == Interrupted) return Interrupted;
-    if (outcome == Failed) status = Failed;
-  }
-  return status;
 }

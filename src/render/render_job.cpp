@@ -1,30 +1,34 @@
 #include "render/render_job.h"
 
+#include "base/output_file.h"
+#include "base/unique_fd.h"
+#include "export/event_loop.h"
+#include "export/video_exporter.h"
+#include "lockscreen/lock_screen_view.h"
+#include "model/document_json.h"
+#include "playback/sequence_player.h"
+#include "sound/notification_sounds.h"
+#include "sound/wav_file.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
 #include <QBuffer>
-#include <QCoroTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageWriter>
-#include <QSaveFile>
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-
-#include "export/video_exporter.h"
-#include "lockscreen/lock_screen_view.h"
-#include "model/document_json.h"
-#include "platform/unique_fd.h"
-#include "playback/sequence_player.h"
-#include "sound/notification_sounds.h"
-#include "sound/wav_file.h"
+#include <filesystem>
+#include <system_error>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
+namespace fs = std::filesystem;
 
 namespace brisklet {
 
@@ -43,16 +47,10 @@ QString sceneName(const QString& scene) {
       sceneName(scene), failure == EISDIR ? u"it is a directory"_s : qt_error_string(failure).toLower()));
 }
 
-/// Lets the event loop hear of an interruption.
-QCoro::Task<> pause(std::chrono::milliseconds time, std::stop_token stop) {
-  co_await QCoro::sleepFor(time);
-  if (stop.stop_requested()) throw ExportCancelled();
-}
-
 /// At most one piece more than a document may have, so that the reader can tell that there is too much. A
 /// pipe and a terminal may let their reader wait, which is done here, and not in a call that hears nothing
 /// else.
-QCoro::Task<QByteArray> readScene(QString scene, std::stop_token stop) {
+QCoro::Task<QByteArray> readScene(QString scene, EventLoopTurn& turn) {
   UniqueFd opened;
   if (!isStandardInput(scene)) {
     opened = UniqueFd(::open(QFile::encodeName(scene).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -64,7 +62,7 @@ QCoro::Task<QByteArray> readScene(QString scene, std::stop_token stop) {
   while (bytes.size() <= maxDocumentBytes) {
     pollfd waiting{fd, POLLIN, 0};
     if (::poll(&waiting, 1, 0) == 0) {
-      co_await pause(10ms, stop);
+      co_await turn.pause(10ms);
       continue;
     }
     const ssize_t count = ::read(fd, piece.data(), static_cast<size_t>(piece.size()));
@@ -91,82 +89,76 @@ SequenceDocument decodeScene(const QByteArray& bytes, const QString& scene) {
   }
 }
 
-/// Refuses outputs that would destroy an input or each other.
-void checkOutputs(const RenderJob& job, const SequenceDocument& document) {
-  const auto canonical = [](const QString& path) {
-    const QFileInfo info(path);
-    return info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+/// Refuses outputs that cannot be, or that would destroy an input or each other.
+void checkOutputs(const RenderJob& job, const QString& photo, const QStringList& photos) {
+  const auto isAt = [](const fs::path& place, const QString& input) {
+    std::error_code failure;
+    return fs::equivalent(place, QFile::encodeName(input).toStdString(), failure);
   };
-  QStringList taken;
-  for (const QString& output : {job.still, job.soundtrack, job.movie}) {
-    if (output.isEmpty()) continue;
-    const QString path = canonical(output);
-    if (!isStandardInput(job.scene) && path == canonical(job.scene))
+  std::vector<fs::path> taken;
+  for (const QString& output : job.outputs()) {
+    const fs::path place = outputPlace(output);
+    const auto isHere = [&](const QString& input) { return isAt(place, input); };
+    if (!isStandardInput(job.scene) && isHere(job.scene))
       throw Error(u"%1: it is the scene file, and would be overwritten"_s.arg(output));
-    if (!document.wallpaperUrl.isEmpty() && path == canonical(document.wallpaperUrl))
-      throw Error(u"%1: it is the scene's photo, and would be overwritten"_s.arg(output));
-    if (taken.contains(path)) throw Error(u"%1: two outputs have this name"_s.arg(output));
-    taken.append(path);
+    if (isHere(photo)) throw Error(u"%1: it is the scene's photo, and would be overwritten"_s.arg(output));
+    if (std::any_of(photos.begin(), photos.end(), isHere))
+      throw Error(u"%1: it is the photo of another scene, and would be overwritten"_s.arg(output));
+    if (std::find(taken.begin(), taken.end(), place) != taken.end())
+      throw Error(u"%1: two outputs have this name"_s.arg(output));
+    taken.push_back(place);
   }
 }
 
-/// A file that replaces the one at its path once everything is written.
-class Output {
- public:
-  explicit Output(const QString& path) : file_(path) {
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile())
-      throw Error(u"%1: it cannot be written: it is %2"_s.arg(
-          path, info.isDir() ? u"a directory"_s : u"not a regular file"_s));
-    require(file_.open(QIODevice::WriteOnly));
-  }
-
-  void write(const QByteArray& bytes) { require(file_.write(bytes) == bytes.size()); }
-  void commit() { require(file_.commit()); }
-
- private:
-  void require(bool succeeded) const {
-    if (!succeeded)
-      throw Error(u"%1: it cannot be written: %2"_s.arg(file_.fileName(), file_.errorString().toLower()));
-  }
-
-  QSaveFile file_;
-};
-
-void saveStill(const SequenceDocument& document, const RenderJob& job) {
+QCoro::Task<> saveStill(const SequenceDocument& document, RenderJob job, EventLoopTurn& turn) {
+  OutputFile file(job.still);
   SequencePlayer player(document);
   player.setElapsedMs(job.stillMs);
   LockScreenCache cache;
-  const QImage picture = captureFrame({document, player, CaptureMode::Capture}, cache);
-  if (picture.isNull()) throw Error(u"%1: there is not enough memory for the picture"_s.arg(job.still));
-  // In memory first: libpng would remark on a full disk itself.
+  const QImage picture = captureFrame({document, player, Rendering::Movie}, cache);
+  co_await turn.pause();
   QByteArray png;
   QBuffer buffer(&png);
   buffer.open(QIODevice::WriteOnly);
-  if (!QImageWriter(&buffer, "png").write(picture))
-    throw Error(u"%1: there is not enough memory for the picture"_s.arg(job.still));
-  Output file(job.still);
-  file.write(png);
+  if (picture.isNull() || !QImageWriter(&buffer, "png").write(picture))
+    throw couldNotWrite(job.still, u"there is not enough memory for the picture"_s);
+  file.append(png);
+  co_await turn.pause();
   file.commit();
 }
 
-QCoro::Task<> saveSoundtrack(const SequenceDocument& document, QString path, std::stop_token stop) {
+QCoro::Task<> saveSoundtrack(const SequenceDocument& document, QString path, EventLoopTurn& turn) {
   constexpr qint64 pieceFrames = 1 << 20;
   const qint64 total = NotificationSounds::soundtrackFrames(document);
-  const QByteArray header = wavHeader(total * 4, 2);
-  Output file(path);
-  file.write(header);
+  OutputFile file(path);
+  file.append(wavHeader(total * 4, 2));
   for (qint64 first = 0; first < total; first += pieceFrames) {
-    file.write(NotificationSounds::stereoPCM(document, first, std::min(total - first, pieceFrames)));
-    co_await pause(0ms, stop);
+    file.append(NotificationSounds::stereoPCM(document, first, std::min(total - first, pieceFrames)));
+    co_await turn.pause();
   }
   file.commit();
 }
 
 }  // namespace
 
-QCoro::Task<> runRenderJob(RenderJob job, RenderProgress progress, std::stop_token stop) {
-  const SequenceDocument document = decodeScene(co_await readScene(job.scene, stop), job.scene);
+QStringList photosOf(const QList<RenderJob>& jobs) {
+  QStringList photos;
+  for (const RenderJob& job : jobs) {
+    QFile scene(job.scene);
+    if (!QFileInfo(job.scene).isFile() || !scene.open(QIODevice::ReadOnly)) continue;
+    try {
+      photos.append(decodeScene(scene.read(maxDocumentBytes + 1), job.scene).wallpaperUrl);
+    } catch (const Error&) {
+      // Its own job tells of it.
+    }
+  }
+  photos.removeAll(QString());
+  return photos;
+}
+
+QCoro::Task<> runRenderJob(RenderJob job, QStringList photos, RenderProgress progress, std::stop_token stop) {
+  EventLoopTurn turn(stop);
+  const SequenceDocument document = decodeScene(co_await readScene(job.scene, turn), job.scene);
   if (!job.movie.isEmpty() || !job.soundtrack.isEmpty()) {
     try {
       VideoExporter::requireExportable(document);
@@ -174,9 +166,9 @@ QCoro::Task<> runRenderJob(RenderJob job, RenderProgress progress, std::stop_tok
       throw Error(sceneName(job.scene) + u": "_s + error.text());
     }
   }
-  checkOutputs(job, document);
-  if (!job.still.isEmpty()) saveStill(document, job);
-  if (!job.soundtrack.isEmpty()) co_await saveSoundtrack(document, job.soundtrack, stop);
+  checkOutputs(job, document.wallpaperUrl, photos);
+  if (!job.still.isEmpty()) co_await saveStill(document, job, turn);
+  if (!job.soundtrack.isEmpty()) co_await saveSoundtrack(document, job.soundtrack, turn);
   if (!job.movie.isEmpty()) co_await VideoExporter::exportMovie(document, job.movie, progress, stop);
 }
 

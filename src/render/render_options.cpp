@@ -1,13 +1,13 @@
 #include "render/render_options.h"
 
+#include "model/catalogue.h"
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QMap>
 #include <cmath>
 #include <limits>
-
-#include "model/catalogue.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,13 +25,18 @@ double momentMs(const QString& text) {
   return seconds * 1000;
 }
 
+/// To Qt a name that begins with a colon is a part of the program, and no file.
+QString asFile(const QString& name) {
+  return name.startsWith(u':') ? u"./"_s + name : name;
+}
+
 QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes) {
   if (scenes.isEmpty()) throw UsageError(u"--into needs at least one scene file"_s);
   QList<RenderJob> jobs;
   QMap<QString, QString> sceneOfMovie;
   for (const QString& scene : scenes) {
     if (scene == u"-"_s) throw UsageError(u"--into names movies after scene files, and \"-\" has no name"_s);
-    const QString movie = QDir(directory).filePath(QFileInfo(scene).completeBaseName() + u".mp4"_s);
+    const QString movie = QDir(directory).filePath(asFile(QFileInfo(scene).completeBaseName() + u".mp4"_s));
     if (sceneOfMovie.contains(movie))
       throw UsageError(u"%1 and %2 would both become %3"_s.arg(sceneOfMovie[movie], scene, movie));
     sceneOfMovie[movie] = scene;
@@ -45,16 +50,23 @@ QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes) {
 
 }  // namespace
 
+QStringList RenderJob::outputs() const {
+  QStringList asked{still, soundtrack, movie};
+  asked.removeAll(QString());
+  return asked;
+}
+
 RenderOptions parseRenderOptions(const QStringList& arguments) {
   const QCommandLineOption still(u"still"_s, {}, u"PICTURE"_s);
   const QCommandLineOption at(u"at"_s, {}, u"SECONDS"_s);
   const QCommandLineOption soundtrack(u"soundtrack"_s, {}, u"WAV"_s);
   const QCommandLineOption into(u"into"_s, {}, u"DIR"_s);
   const QCommandLineOption quiet(QStringList{u"q"_s, u"quiet"_s});
+  const QCommandLineOption verbose(u"verbose"_s);
   const QCommandLineOption help(QStringList{u"h"_s, u"help"_s});
   const QCommandLineOption version(u"version"_s);
   QCommandLineParser parser;
-  parser.addOptions({still, at, soundtrack, into, quiet, help, version});
+  parser.addOptions({still, at, soundtrack, into, quiet, verbose, help, version});
   // The parser takes the first argument for the program's name.
   if (!parser.parse(QStringList(u"brisklet-render"_s) + arguments)) {
     QString reason = parser.errorText();
@@ -64,6 +76,7 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
 
   RenderOptions options;
   options.quiet = parser.isSet(quiet);
+  options.verbose = parser.isSet(verbose);
   options.help = parser.isSet(help);
   options.version = parser.isSet(version);
   if (options.help || options.version) return options;
@@ -74,12 +87,13 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
     if (parser.isSet(option) && parser.value(option).isEmpty())
       throw UsageError(u"--%1 needs a value"_s.arg(option.names().first()));
   }
-  const QStringList files = parser.positionalArguments();
+  QStringList files = parser.positionalArguments();
   if (files.contains(QString())) throw UsageError(u"a file name is empty"_s);
+  for (QString& file : files) file = asFile(file);
   if (parser.isSet(into)) {
     if (parser.isSet(still) || parser.isSet(at) || parser.isSet(soundtrack))
       throw UsageError(u"--into makes movies only: leave out --still, --at and --soundtrack"_s);
-    options.into = parser.value(into);
+    options.into = asFile(parser.value(into));
     options.jobs = jobsInto(options.into, files);
     return options;
   }
@@ -91,12 +105,12 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   RenderJob job;
   job.scene = files[0];
   job.movie = files.value(1);
-  job.still = parser.value(still);
+  job.still = asFile(parser.value(still));
   job.stillMs = momentMs(parser.isSet(at) ? parser.value(at) : u"end"_s);
-  job.soundtrack = parser.value(soundtrack);
-  if (job.movie == u"-"_s) throw UsageError(u"the movie needs a file: it cannot go to standard output"_s);
-  if (job.movie.isEmpty() && job.still.isEmpty() && job.soundtrack.isEmpty())
-    throw UsageError(u"nothing to make: name a movie, --still or --soundtrack"_s);
+  job.soundtrack = asFile(parser.value(soundtrack));
+  if (job.outputs().contains(u"-"_s))
+    throw UsageError(u"an output cannot go to standard output: \"-\" is no file"_s);
+  if (job.outputs().isEmpty()) throw UsageError(u"nothing to make: name a movie, --still or --soundtrack"_s);
   options.jobs.append(job);
   return options;
 }
@@ -110,24 +124,25 @@ QString renderUsage() {
   return uR"(Makes a movie of notifications arriving on a lock screen from a scene file.
 
 Usage: brisklet-render SCENE.json [MOVIE.mp4] [--still PICTURE.png [--at SECONDS|end]]
-                       [--soundtrack TONES.wav] [--quiet]
+                       [--soundtrack TONES.wav] [--quiet|--verbose]
        brisklet-render --into DIR SCENE.json...
 
   SCENE.json            the scene; - reads standard input
-  MOVIE.mp4             the movie, 1170 x 2532 at 30 frames a second with sound
+  MOVIE.mp4             the movie, 1170 x 2532 at 30 frames per second with sound
   --still PICTURE.png   one picture of the scene, at its end unless --at says when
   --at SECONDS|end      the moment of the picture
   --soundtrack WAV      the movie's sound as a 16-bit stereo WAV file
-  --into DIR            one movie a scene, named after it, in DIR
+  --into DIR            one movie per scene, named after it, in DIR
   -q, --quiet           no progress
+  --verbose             every step and its time, and what libraries remark
   -h, --help            this text
   --version             the program's version
 
 Apps of a scene:        %1, custom
 Its wallpapers:         %2, custom
 
-A file that is there is replaced. Exit status: 0 all is made, 1 something could not be made, 2 wrong use,
-130 interrupted.
+A file that is there is replaced. Exit status: 0 everything was made, 1 something could not be made, 2 wrong
+use, 130 interrupted.
 )"_s.arg(idsOf(AppPreset::all()), idsOf(Studio::wallpapers()));
 }
 

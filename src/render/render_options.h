@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/error.h"
+
 #include <QString>
 #include <QStringList>
 #include <optional>
-
-#include "base/error.h"
 
 namespace brisklet {
 
@@ -23,6 +23,9 @@ struct RenderJob {
   /// The moment of the still in milliseconds; positive infinity is the finished sequence.
   double stillMs = 0;
   QString soundtrack;
+
+  /// The outputs asked for, in the order in which they are made.
+  [[nodiscard]] QStringList outputs() const;
 };
 
 struct RenderOptions {
@@ -30,6 +33,7 @@ struct RenderOptions {
   /// The directory of `--into`, made if it is missing; empty without it.
   QString into;
   bool quiet = false;
+  bool verbose = false;
   bool help = false;
   bool version = false;
 };

@@ -1,8 +1,8 @@
 #include "sound/notification_sound_player.h"
 
-#include <utility>
-
 #include "sound/notification_sounds.h"
+
+#include <utility>
 
 namespace brisklet {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-#include <mutex>
-
-#include "platform/audio_output.h"
+#include "desktop/audio_output.h"
 #include "sound/tone_mixer.h"
 #include "sound/tone_player.h"
+
+#include <memory>
+#include <mutex>
 
 namespace brisklet {
 

@@ -1,13 +1,13 @@
 #include "sound/notification_sounds.h"
 
+#include "model/text.h"
+#include "sound/wav_file.h"
+
 #include <QtEndian>
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <utility>
-
-#include "model/text.h"
-#include "sound/wav_file.h"
 
 using namespace Qt::StringLiterals;
 

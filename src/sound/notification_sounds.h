@@ -1,14 +1,14 @@
 #pragma once
 
+#include "base/audio_chunk.h"
+#include "model/sequence_document.h"
+
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
-
-#include "model/sequence_document.h"
-#include "platform/audio_chunk.h"
 
 namespace brisklet {
 

@@ -1,9 +1,9 @@
 #include "sound/tone_mixer.h"
 
+#include "sound/notification_sounds.h"
+
 #include <algorithm>
 #include <utility>
-
-#include "sound/notification_sounds.h"
 
 namespace brisklet {
 

@@ -1,10 +1,10 @@
 #include "sound/wav_file.h"
 
-#include <QtEndian>
-#include <limits>
-
 #include "base/error.h"
 #include "sound/notification_sounds.h"
+
+#include <QtEndian>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 

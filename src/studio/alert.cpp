@@ -1,16 +1,16 @@
 #include "studio/alert.h"
 
+#include "drawing/continuous_corners.h"
+#include "drawing/float_plane.h"
+#include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/studio_button.h"
+#include "studio/top_bar.h"
+
 #include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
-
-#include "platform/blur.h"
-#include "platform/continuous_corners.h"
-#include "studio/control_painting.h"
-#include "studio/palette.h"
-#include "studio/studio_button.h"
-#include "studio/top_bar.h"
 
 namespace brisklet {
 
@@ -43,15 +43,22 @@ void paintShadow(QPainter& painter, const QRectF& card) {
   const QRectF area = card.adjusted(-reach, -reach, reach, reach);
   // Soft enough to be made at half size.
   constexpr double scale = 0.5;
-  QImage shadow((area.size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
-  shadow.fill(Qt::transparent);
-  QPainter shape(&shadow);
-  shape.setRenderHint(QPainter::Antialiasing);
-  shape.scale(scale, scale);
-  shape.translate(-area.topLeft());
-  shape.fillPath(continuousRoundedRect(card, cardRadius), Studio::srgb(0, 0, 0, shadowOpacity));
-  shape.end();
-  painter.drawImage(area.translated(0, shadowOffset), blurred(shadow, shadowSigma * scale));
+  QImage shape((area.size() * scale).toSize(), QImage::Format_Alpha8);
+  shape.fill(Qt::transparent);
+  QPainter shapePainter(&shape);
+  shapePainter.setRenderHint(QPainter::Antialiasing);
+  shapePainter.scale(scale, scale);
+  shapePainter.translate(-area.topLeft());
+  shapePainter.fillPath(continuousRoundedRect(card, cardRadius), Studio::srgb(0, 0, 0, shadowOpacity));
+  shapePainter.end();
+
+  FloatPlane plane(shape.width(), shape.height());
+  for (int y = 0; y < plane.height; ++y) std::copy_n(shape.constScanLine(y), plane.width, plane.row(y));
+  plane = blurred(plane, shadowSigma * scale);
+  for (int y = 0; y < plane.height; ++y)
+    std::transform(plane.row(y), plane.row(y) + plane.width, shape.scanLine(y),
+                   [](float alpha) { return static_cast<uchar>(alpha + 0.5F); });
+  painter.drawImage(area.translated(0, shadowOffset), shape);
 }
 
 }  // namespace
@@ -68,17 +75,18 @@ Alert::Alert(QWidget* parent)
   hide();
   parent->installEventFilter(this);
   connect(confirm_, &QAbstractButton::clicked, this, [this] {
-    hide();
+    dismiss();
     Q_EMIT confirmed();
   });
   connect(cancel_, &QAbstractButton::clicked, this, [this] {
-    hide();
+    dismiss();
     Q_EMIT cancelled();
   });
 }
 
 void Alert::open(const Content& content) {
   if (isOpen() && content == content_) return;
+  if (!isOpen()) formerFocus_ = window()->focusWidget();
   content_ = content;
   title_ = TextLine(content.title, titleStyle, cardWidth - 2 * margin);
   message_ = ClampedText(content.message, messageStyle, cardWidth - 2 * margin, mostLines);
@@ -90,14 +98,20 @@ void Alert::open(const Content& content) {
   place();
   raise();
   show();
-  // Not marked: nobody has touched the keyboard yet.
-  cancel_->setFocus(Qt::OtherFocusReason);
+  // Taken as a menu takes it, so that a field keeps its caret. Not marked: nobody has touched the keyboard
+  // yet.
+  cancel_->setFocus(Qt::PopupFocusReason);
   QAccessibleEvent event(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
 }
 
 void Alert::dismiss() {
-  if (isOpen()) hide();
+  if (!isOpen()) return;
+  content_ = {};
+  // Before it hides: Qt would ask the alert itself for the next widget to have the focus.
+  const bool canHaveIt = formerFocus_ && formerFocus_->isVisible() && formerFocus_->isEnabled();
+  (canHaveIt ? formerFocus_.data() : window())->setFocus(Qt::PopupFocusReason);
+  hide();
 }
 
 QRect Alert::cardRect() const {
@@ -122,7 +136,9 @@ void Alert::place() {
 }
 
 bool Alert::eventFilter(QObject*, QEvent* event) {
-  if (event->type() == QEvent::Resize) place();
+  if (event->type() == QEvent::Resize && isOpen()) place();
+  // The window's edges are still within reach, and a click there would leave the focus behind the alert.
+  if (event->type() == QEvent::FocusIn && isOpen()) cancel_->setFocus(Qt::OtherFocusReason);
   return false;
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "drawing/text_line.h"
+#include "studio/controls/clamped_text.h"
+
 #include <QImage>
 #include <QList>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
-
-#include "platform/text_line.h"
-#include "studio/clamped_text.h"
 
 namespace brisklet {
 
@@ -33,8 +34,8 @@ class Alert : public QWidget {
   explicit Alert(QWidget* parent);
 
   void open(const Content& content);
-  [[nodiscard]] bool isOpen() const { return isVisible(); }
-  /// Closes it without an answer.
+  [[nodiscard]] bool isOpen() const { return !content_.cancel.isEmpty(); }
+  /// Closes it without an answer. The focus goes back to who had it.
   void dismiss();
   /// The card in the middle.
   [[nodiscard]] QRect cardRect() const;
@@ -56,11 +57,13 @@ class Alert : public QWidget {
  private:
   void place();
 
+  /// Empty while the alert is closed.
   Content content_;
   TextLine title_;
   ClampedText message_;
   StudioButton* confirm_;
   StudioButton* cancel_;
+  QPointer<QWidget> formerFocus_;
   QPoint heldAt_;
 };
 

@@ -1,10 +1,10 @@
 #include "studio/app_chip.h"
 
-#include <QPainter>
-
 #include "studio/chip_preview.h"
-#include "studio/control_painting.h"
-#include "studio/palette.h"
+#include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
+
+#include <QPainter>
 
 namespace brisklet {
 

@@ -2,7 +2,7 @@
 
 #include "lockscreen/app_glyph.h"
 #include "model/catalogue.h"
-#include "studio/chip.h"
+#include "studio/controls/chip.h"
 
 namespace brisklet {
 

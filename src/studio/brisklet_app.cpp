@@ -1,16 +1,15 @@
 #include "studio/brisklet_app.h"
 
+#include "drawing/fonts.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/studio_style.h"
+
 #include <QIcon>
 #include <QPalette>
 #include <QScreen>
 #include <QSettings>
 #include <QToolTip>
-#include <new>
 #include <utility>
-
-#include "platform/fonts.h"
-#include "studio/palette.h"
-#include "studio/studio_style.h"
 
 using namespace Qt::StringLiterals;
 
@@ -41,40 +40,15 @@ QPalette studioPalette() {
 
 }  // namespace
 
-bool StudioApplication::notify(QObject* receiver, QEvent* event) {
-  QString cause;
-  try {
-    return QApplication::notify(receiver, event);
-  } catch (const std::bad_alloc&) {
-    cause = u"There is not enough memory for that."_s;
-  } catch (const std::exception& error) {
-    cause = QString::fromUtf8(error.what());
-  }
-  // Later, since widgets may be in the midst of something, and once, however many parts could not be painted.
-  if (std::exchange(speaksSoon_, true)) return false;
-  const auto speak = [this, cause] {
-    speaksSoon_ = false;
-    StudioWindow* speaker = nullptr;
-    for (QWidget* widget : topLevelWidgets()) {
-      auto* window = qobject_cast<StudioWindow*>(widget);
-      if (window && (!speaker || window->isActiveWindow())) speaker = window;
-    }
-    if (speaker) speaker->view().setError(cause);
-  };
-  QMetaObject::invokeMethod(this, speak, Qt::QueuedConnection);
-  return false;
-}
-
 BriskletApp::BriskletApp(StudioView::Services services, StudioWindow::MakePanels makePanels)
     : services_(std::move(services)), makePanels_(std::move(makePanels)) {}
 
 void BriskletApp::setUp(QApplication& application) {
-  QApplication::setApplicationName(QStringLiteral("brisklet"));
-  QApplication::setApplicationDisplayName(QStringLiteral("Brisklet"));
-  QApplication::setDesktopFileName(QStringLiteral("brisklet"));
+  QApplication::setApplicationName(u"brisklet"_s);
+  QApplication::setDesktopFileName(u"brisklet"_s);
   // Qt's file dialog would read and keep a history in the user's settings. There are none: nothing is kept
   // from run to run, and nothing is left behind.
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, u"/dev/null"_s);
   QApplication::setStyle(new StudioStyle);
   QApplication::setPalette(studioPalette());
   application.setFont(systemFont(13, FontWeight::Regular));
@@ -82,7 +56,7 @@ void BriskletApp::setUp(QApplication& application) {
   QToolTip::setPalette(studioPalette());
   QIcon icon;
   for (const int size : {16, 24, 32, 48, 64, 128, 256})
-    icon.addFile(QStringLiteral(":/icons/%1x%1/brisklet.png").arg(size));
+    icon.addFile(u":/icons/%1x%1/brisklet.png"_s.arg(size));
   QApplication::setWindowIcon(icon);
 }
 

@@ -1,23 +1,12 @@
 #pragma once
 
+#include "studio/editor/studio_view.h"
+#include "studio/studio_window.h"
+
 #include <QApplication>
 #include <QObject>
 
-#include "studio/studio_view.h"
-#include "studio/studio_window.h"
-
 namespace brisklet {
-
-/// Where Qt gives each event to its receiver. What fails there, for want of memory most likely, ends no more
-/// than the answer to that event: a window says so, and the studio goes on with what the user has.
-class StudioApplication : public QApplication {
- public:
-  using QApplication::QApplication;
-  bool notify(QObject* receiver, QEvent* event) override;
-
- private:
-  bool speaksSoon_ = false;
-};
 
 /// The application: a group of independent editor windows. It ends with its last one.
 class BriskletApp : public QObject {

@@ -1,7 +1,7 @@
 #include "studio/chip_preview.h"
 
 #include "lockscreen/wallpaper.h"
-#include "studio/palette.h"
+#include "studio/controls/palette.h"
 
 namespace brisklet {
 

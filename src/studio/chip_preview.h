@@ -1,9 +1,9 @@
 #pragma once
 
+#include "studio/controls/control_painting.h"
+
 #include <QImage>
 #include <QPainter>
-
-#include "studio/control_painting.h"
 
 namespace brisklet {
 

@@ -1,24 +1,26 @@
 #include "studio/inspector.h"
 
-#include <QVBoxLayout>
-
-#include "studio/add_ping_button.h"
 #include "studio/app_chip.h"
-#include "studio/chip_grid.h"
-#include "studio/custom_app_chip.h"
-#include "studio/custom_wallpaper_chip.h"
-#include "studio/inspector_block.h"
-#include "studio/studio_field.h"
+#include "studio/controls/add_ping_button.h"
+#include "studio/controls/chip_grid.h"
+#include "studio/controls/inspector_block.h"
+#include "studio/controls/studio_field.h"
+#include "studio/custom_chip.h"
 #include "studio/type_chip.h"
 #include "studio/wallpaper_chip.h"
+
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
 namespace {
 
-/// Shows or hides a field with what is around it. One that disappears leaves the focus to nobody.
+/// Shows or hides a field with what is around it. One that disappears leaves the focus to the window.
 void setShown(QWidget* area, StudioField* field, bool shown) {
-  if (!shown && field->edit()->hasFocus()) field->edit()->clearFocus();
+  if (!shown && field->window()->focusWidget() == field->edit())
+    field->window()->setFocus(Qt::OtherFocusReason);
   area->setVisible(shown);
 }
 
@@ -34,24 +36,25 @@ constexpr int appNameMargin = 10, fieldSpacing = 10;  // pt
 
 Inspector::Inspector(QWidget* parent)
     : QWidget(parent),
-      wallpapers_(new ChipGrid(tr("Lock screen"), wallpaperRows)),
-      apps_(new ChipGrid(tr("App"), appRows)),
-      customAppLabel_(new StudioField(tr("App name"))),
+      wallpapers_(new ChipGrid(u"Lock screen"_s, wallpaperRows)),
+      apps_(new ChipGrid(u"App"_s, appRows)),
+      customAppLabel_(new StudioField(u"App name"_s)),
       customAppLabelArea_(new QWidget),
-      types_(new ChipGrid(tr("Type"), typeRows)),
-      sender_(new StudioField(tr("Sender"))),
-      message_(new StudioField(tr("Text"))),
-      delay_(new StudioField(tr("Lands at (seconds)"))) {
+      types_(new ChipGrid(u"Type"_s, typeRows)),
+      sender_(new StudioField(u"Sender"_s)),
+      message_(new StudioField(u"Text"_s)),
+      delay_(new StudioField(u"Lands at (seconds)"_s)),
+      addPing_(new AddPingButton) {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
 
-  auto* lockScreen = new InspectorBlock(tr("Lock screen"));
+  auto* lockScreen = new InspectorBlock(u"Lock screen"_s);
   lockScreen->content()->addWidget(wallpapers_);
   addWallpapers(wallpapers_);
   column->addWidget(lockScreen);
 
-  auto* app = new InspectorBlock(tr("App"));
+  auto* app = new InspectorBlock(u"App"_s);
   app->content()->addWidget(apps_);
   addApps(apps_);
   auto* appName = new QVBoxLayout(customAppLabelArea_);
@@ -61,16 +64,15 @@ Inspector::Inspector(QWidget* parent)
   customAppLabelArea_->hide();
   column->addWidget(app);
 
-  auto* type = new InspectorBlock(tr("Type"));
+  auto* type = new InspectorBlock(u"Type"_s);
   type->content()->addWidget(types_);
   column->addWidget(type);
 
-  auto* ping = new InspectorBlock(tr("Ping"));
+  auto* ping = new InspectorBlock(u"Ping"_s);
   auto* fields = new QVBoxLayout;
   fields->setSpacing(fieldSpacing);
   for (QWidget* field : {sender_, message_, delay_}) fields->addWidget(field);
-  auto* addPing = new AddPingButton;
-  fields->addWidget(addPing);
+  fields->addWidget(addPing_);
   ping->content()->addLayout(fields);
   delay_->hide();
   column->addWidget(ping);
@@ -81,7 +83,7 @@ Inspector::Inspector(QWidget* parent)
   connect(message_, &StudioField::textEdited, this, &Inspector::messageEdited);
   connect(delay_, &StudioField::textEdited, this, &Inspector::delayEdited);
   connect(delay_, &StudioField::editingFinished, this, [this] { delay_->setText(storedDelay_); });
-  connect(addPing, &QAbstractButton::clicked, this, &Inspector::addPingPressed);
+  connect(addPing_, &QAbstractButton::clicked, this, &Inspector::addPingPressed);
 }
 
 void Inspector::addWallpapers(ChipGrid* grid) {
@@ -90,7 +92,8 @@ void Inspector::addWallpapers(ChipGrid* grid) {
     grid->add(chip);
     connect(chip, &QAbstractButton::clicked, this, [this, chip] { Q_EMIT wallpaperPicked(chip->id()); });
   }
-  photo_ = new CustomWallpaperChip;
+  photo_ = new CustomChip(WallpaperChip::radius, u"Upload lock screen photo"_s);
+  photo_->setToolTip(u"Upload photo"_s);
   grid->add(photo_);
   connect(photo_, &QAbstractButton::clicked, this, &Inspector::photoChipPressed);
 }
@@ -101,27 +104,30 @@ void Inspector::addApps(ChipGrid* grid) {
     grid->add(chip);
     connect(chip, &QAbstractButton::clicked, this, [this, chip] { Q_EMIT appPicked(chip->id()); });
   }
-  customApp_ = new CustomAppChip;
-  grid->add(customApp_);
-  connect(customApp_, &QAbstractButton::clicked, this, &Inspector::customAppPicked);
+  auto* custom = new CustomChip(AppChip::radius, u"Custom app"_s);
+  grid->add(custom);
+  connect(custom, &QAbstractButton::clicked, this, &Inspector::customAppPicked);
+}
+
+void Inspector::focusAddPing(Qt::FocusReason reason) {
+  addPing_->setFocus(reason);
 }
 
 void Inspector::setState(const State& state) {
-  const QString custom = QStringLiteral("custom");
   for (Chip* chip : wallpapers_->chips()) {
     const auto* builtIn = qobject_cast<WallpaperChip*>(chip);
-    chip->setSelected(state.wallpaper == (builtIn ? builtIn->id() : custom));
+    chip->setSelected(state.wallpaper == (builtIn ? builtIn->id() : customId));
   }
   wallpapers_->selectionChanged();
   photo_->setPhoto(state.wallpaperUrl);
 
   for (Chip* chip : apps_->chips()) {
     const auto* builtIn = qobject_cast<AppChip*>(chip);
-    chip->setSelected(state.selectedAppId == (builtIn ? builtIn->id() : custom));
+    chip->setSelected(state.selectedAppId == (builtIn ? builtIn->id() : customId));
   }
   apps_->selectionChanged();
   customAppLabel_->setText(state.customAppLabel);
-  setShown(customAppLabelArea_, customAppLabel_, state.selectedAppId == custom);
+  setShown(customAppLabelArea_, customAppLabel_, state.selectedAppId == customId);
 
   showTypes(state.selectedAppId);
   for (Chip* chip : types_->chips())

@@ -1,16 +1,16 @@
 #pragma once
 
+#include "model/catalogue.h"
+
 #include <QString>
 #include <QWidget>
 #include <optional>
 
-#include "model/catalogue.h"
-
 namespace brisklet {
 
+class AddPingButton;
 class ChipGrid;
-class CustomAppChip;
-class CustomWallpaperChip;
+class CustomChip;
 class StudioField;
 
 /// The choices from which pings are made, and the fields of the selected ping. Shows what it is given and
@@ -35,6 +35,7 @@ class Inspector : public QWidget {
   explicit Inspector(QWidget* parent = nullptr);
 
   void setState(const State& state);
+  void focusAddPing(Qt::FocusReason reason);
 
  Q_SIGNALS:
   void wallpaperPicked(const QString& id);
@@ -55,9 +56,8 @@ class Inspector : public QWidget {
   void showDelay(const State& state);
 
   ChipGrid* wallpapers_;
-  CustomWallpaperChip* photo_ = nullptr;
+  CustomChip* photo_ = nullptr;
   ChipGrid* apps_;
-  CustomAppChip* customApp_ = nullptr;
   StudioField* customAppLabel_;
   /// Holds the field and the space above it.
   QWidget* customAppLabelArea_;
@@ -66,6 +66,7 @@ class Inspector : public QWidget {
   StudioField* sender_;
   StudioField* message_;
   StudioField* delay_;
+  AddPingButton* addPing_;
   std::optional<QString> delayOfPing_;
   /// The stored landing time, for the field when its editing ends.
   QString storedDelay_;

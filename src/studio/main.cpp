@@ -1,43 +1,29 @@
-#include <unistd.h>
-
-#include <QApplication>
-
+#include "desktop/audio_output.h"
+#include "desktop/file_manager.h"
+#include "drawing/image_decoder.h"
+#include "export/libraries.h"
 #include "export/video_exporter.h"
 #include "lockscreen/wallpaper_store.h"
-#include "platform/audio_output.h"
-#include "platform/file_manager.h"
-#include "platform/image_decoder.h"
-#include "platform/picture_threads.h"
-#include "platform/session_bus.h"
-#include "platform/spare_memory.h"
 #include "sound/notification_sound_player.h"
 #include "studio/brisklet_app.h"
 
-#include <csignal>
+#include <QApplication>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 
 namespace {
 
-/// What a library says before it gives up (no display, no descriptor left) is the program's last word.
-void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
-  std::fprintf(stderr, "brisklet: %s\n", text.simplified().toLocal8Bit().constData());
-  if (type == QtFatalMsg) std::_Exit(EXIT_FAILURE);
-}
-
-/// Memory ended where nothing is left that could be given up.
-[[noreturn]] void endInASentence() {
-  std::fputs("brisklet: there is not enough memory to go on.\n", stderr);
-  std::_Exit(EXIT_FAILURE);
-}
-
-/// Where memory ends within a library, that may take the program with it.
-void sayLastWord(int number) {
-  constexpr char sentence[] = "brisklet: it cannot go on, for want of memory or by a fault of its own.\n";
-  [[maybe_unused]] const auto written = write(STDERR_FILENO, sentence, sizeof sentence - 1);
-  std::signal(number, SIG_DFL);
-  std::raise(number);
+/// Says in one sentence why there is no window. The library's own words advise to install the program anew.
+[[noreturn]] void exitWithoutWindow() {
+  const char* reason = "there is no display: neither WAYLAND_DISPLAY nor DISPLAY is set";
+  if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    reason = "what QT_QPA_PLATFORM asks for is not installed, or does not run";
+  else if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    reason = "please install the package qt6-wayland";
+  else if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+    reason = "please install the package libqt6gui6, or start the display that DISPLAY names";
+  std::fprintf(stderr, "brisklet: no window can be opened: %s.\n", reason);
+  std::_Exit(1);
 }
 
 }  // namespace
@@ -45,18 +31,14 @@ void sayLastWord(int number) {
 int main(int argc, char** argv) {
   using namespace brisklet;
 
-  std::set_terminate(endInASentence);
-  for (const int number : {SIGSEGV, SIGBUS, SIGABRT, SIGTRAP}) std::signal(number, sayLastWord);
-  qInstallMessageHandler(handleQtMessage);
-  // A file that meets a size limit, and a service that went away, are errors of the write and not the end.
-  std::signal(SIGXFSZ, SIG_IGN);
-  std::signal(SIGPIPE, SIG_IGN);
-  leaveSilentSessionBus();
-  StudioApplication application(argc, argv);
-  if (!startPictureThreads()) {
-    std::fputs("brisklet: the system allows no more threads.\n", stderr);
-    std::_Exit(EXIT_FAILURE);
-  }
+  setUpLibraries(Remarks::Silent);
+  // Until there is an application, all that Qt gives up for is that it cannot open windows.
+  const QtMessageHandler former =
+      qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString&) {
+        if (type == QtFatalMsg) exitWithoutWindow();
+      });
+  QApplication application(argc, argv);
+  qInstallMessageHandler(former);
   BriskletApp::setUp(application);
 
   NotificationSoundPlayer tones(makeAudioOutput);
@@ -74,10 +56,6 @@ int main(int argc, char** argv) {
   services.saveWallpaper = WallpaperStore::save;
 
   BriskletApp app(services, makeFilePanels);
-  // With the first control Qt starts a thread of its own, and does not look whether it could; nor whether
-  // there was room for what the window is painted in.
-  requireSpareMemory();
   app.openWindow();
-  requireSpareMemory();
   return QApplication::exec();
 }

@@ -1,17 +1,33 @@
 #include "studio/stage.h"
 
+#include "drawing/device_pixels.h"
+#include "studio/controls/accessibility.h"
+#include "studio/controls/control_painting.h"
+#include "studio/stage_backdrop.h"
+
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
 #include <algorithm>
 
-#include "studio/control_painting.h"
-#include "studio/stage_backdrop.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
+namespace {
+
+/// The cards as somebody would tell them who sees them, newest first.
+QString described(const QList<Ping>& pings) {
+  QStringList cards;
+  for (const Ping& ping : pings) cards.append(u"%1: %2, %3"_s.arg(ping.appLabel, ping.title, ping.message));
+  return cards.isEmpty() ? u"No cards"_s : cards.join(u"; "_s);
+}
+
+}  // namespace
+
 Stage::Stage(QWidget* parent) : QWidget(parent) {
-  setAccessibleName(tr("Lock screen"));
+  setAccessibleRole(this, QAccessible::Graphic);
+  setAccessibleName(u"Lock screen"_s);
   frames_.setTimerType(Qt::PreciseTimer);
   connect(&frames_, &QTimer::timeout, this, &Stage::nextFrame);
 }
@@ -37,16 +53,21 @@ void Stage::setPlayer(const SequencePlayer* player) {
     follow();
     return;
   }
-  shownPings_ = LockScreenView{document_, *player}.visiblePings();
+  setShownPings(LockScreenView{document_, *player}.visiblePings());
   animation_.reset(shownPings_);
   update();
+}
+
+void Stage::setShownPings(QList<Ping> pings) {
+  shownPings_ = std::move(pings);
+  setAccessibleDescription(described(shownPings_));
 }
 
 void Stage::follow() {
   if (!player_) return;
   QList<Ping> pings = LockScreenView{document_, *player_}.visiblePings();
   if (pings == shownPings_) return;
-  shownPings_ = std::move(pings);
+  setShownPings(std::move(pings));
   animation_.update(shownPings_, SequencePlayer::steadyClockMs());
   update(phoneArea());
   if (frames_.isActive()) return;
@@ -75,10 +96,7 @@ void Stage::paintEvent(QPaintEvent* event) {
   const QRect pixels = toDevice.mapRect(QRectF(rect())).toAlignedRect();
   if (backdrop_.size() != pixels.size()) backdrop_ = stageBackdrop(pixels.size(), toDevice.m11());
   painter.setClipRegion(event->region());
-  painter.save();
-  painter.setWorldTransform(toDevice.inverted() * painter.worldTransform());
-  painter.drawImage(pixels.topLeft(), backdrop_);
-  painter.restore();
+  drawOnDevicePixels(painter, pixels.topLeft(), backdrop_);
 
   if (!player_ || !event->region().intersects(phoneArea())) return;
   const QRectF phone = phoneRect(size());

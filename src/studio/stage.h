@@ -1,14 +1,14 @@
 #pragma once
 
-#include <QImage>
-#include <QPointer>
-#include <QTimer>
-#include <QWidget>
-
 #include "lockscreen/card_stack_animation.h"
 #include "lockscreen/lock_screen_view.h"
 #include "model/sequence_document.h"
 #include "playback/sequence_player.h"
+
+#include <QImage>
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
 
 namespace brisklet {
 
@@ -29,6 +29,7 @@ class Stage : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void setShownPings(QList<Ping> pings);
   /// Moves the cards towards what is visible now.
   void follow();
   void nextFrame();

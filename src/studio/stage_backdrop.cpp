@@ -1,16 +1,15 @@
 #include "studio/stage_backdrop.h"
 
+#include "drawing/continuous_corners.h"
+#include "drawing/float_plane.h"
+#include "lockscreen/lock_screen_layout.h"
+#include "studio/controls/palette.h"
+
 #include <QPainter>
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
-
-#include "lockscreen/float_plane.h"
-#include "lockscreen/lock_screen_layout.h"
-#include "platform/continuous_corners.h"
-#include "platform/picture_memory.h"
-#include "studio/palette.h"
 
 namespace brisklet {
 
@@ -73,7 +72,7 @@ QImage stageBackdrop(const QSize& pixels, double pixelsPerPoint) {
 
   const std::array<float, 3> base{Studio::stage.redF() * 255, Studio::stage.greenF() * 255,
                                   Studio::stage.blueF() * 255};
-  QImage backdrop = newPicture(pixels, QImage::Format_RGB32);
+  QImage backdrop(pixels, QImage::Format_RGB32);
   for (int y = 0; y < pixels.height(); ++y) {
     enlarger.row(shadow, (y + 0.5) / (cell * pixelsPerPoint), darkness);
     const double fromMiddleY = (y + 0.5) / pixelsPerPoint - stage.height() / 2;

@@ -1,5 +1,17 @@
 #include "studio/studio_window.h"
 
+#include "studio/alert.h"
+#include "studio/controls/accessibility.h"
+#include "studio/controls/column_area.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/rule.h"
+#include "studio/inspector.h"
+#include "studio/stage.h"
+#include "studio/timeline.h"
+#include "studio/timeline_list.h"
+#include "studio/top_bar.h"
+#include "studio/window_frame.h"
+
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -8,15 +20,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "studio/alert.h"
-#include "studio/column_area.h"
-#include "studio/inspector.h"
-#include "studio/palette.h"
-#include "studio/rule.h"
-#include "studio/stage.h"
-#include "studio/timeline.h"
-#include "studio/top_bar.h"
-#include "studio/window_frame.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -42,6 +46,7 @@ StudioWindow::StudioWindow(StudioView::Services services, const MakePanels& make
       alert_(new Alert(this)),
       frame_(new WindowFrame(this)) {
   setAttribute(Qt::WA_OpaquePaintEvent);
+  setAccessibleRole(this, QAccessible::Window);
   setMinimumSize(leastSize);
   // A click beside all controls takes the focus from a field.
   setFocusPolicy(Qt::ClickFocus);
@@ -119,6 +124,7 @@ void StudioWindow::connectView() {
   connect(view_.get(), &StudioView::exportingChanged, this, [this] {
     showTopBar();
     if (view_->exporting()) return;
+    if (view_->error().isEmpty() && !closesAfterExport_) announce(this, u"The movie is finished."_s);
     if (std::exchange(asksToStop_, false)) {
       // It ended while the question was asked: the window closes as was wished, unless there is bad news.
       alert_->dismiss();
@@ -127,7 +133,8 @@ void StudioWindow::connectView() {
     }
     if (std::exchange(closesAfterExport_, false)) QTimer::singleShot(0, this, &QWidget::close);
   });
-  connect(view_.get(), &StudioView::errorChanged, this, &StudioWindow::showError);
+  // Once all that changes with it has changed: the alert gives the focus back to the Export button, say.
+  connect(view_.get(), &StudioView::errorChanged, this, &StudioWindow::showError, Qt::QueuedConnection);
 }
 
 void StudioWindow::addShortcuts() {
@@ -144,7 +151,8 @@ void StudioWindow::addShortcuts() {
 
 void StudioWindow::showState() {
   const SequenceDocument& document = view_->document();
-  setWindowTitle(document.title.isEmpty() ? tr("Untitled video") : document.title);
+  // Qt would add the program's name to the titles of panels, too.
+  setWindowTitle(u"%1 — Brisklet"_s.arg(document.title.isEmpty() ? u"Untitled video"_s : document.title));
   showTopBar();
   inspector_->setState({.wallpaper = document.wallpaper,
                         .wallpaperUrl = document.wallpaperUrl,
@@ -156,6 +164,10 @@ void StudioWindow::showState() {
                         .selectedPingId = view_->selectedPingId(),
                         .delay = view_->delayText()});
   stage_->setDocument(document);
+  // The list goes with its last row: what can be done next is to add one.
+  const TimelineList* list = timeline_->list();
+  if (document.notifications.isEmpty() && list->hasFocus())
+    inspector_->focusAddPing(list->isMarked() ? Qt::TabFocusReason : Qt::OtherFocusReason);
   timeline_->setState(view_->summary(), document.notifications, view_->selectedPingId());
 }
 
@@ -177,15 +189,15 @@ void StudioWindow::showError() {
     alert_->dismiss();
   else
     alert_->open(
-        {.title = tr("Something went wrong"), .message = view_->error(), .confirm = {}, .cancel = tr("OK")});
+        {.title = u"Something went wrong"_s, .message = view_->error(), .confirm = {}, .cancel = u"OK"_s});
 }
 
 void StudioWindow::askToStop() {
   asksToStop_ = true;
-  alert_->open({.title = tr("Stop the export?"),
-                .message = tr("The movie is not finished yet."),
-                .confirm = tr("Stop"),
-                .cancel = tr("Keep Exporting")});
+  alert_->open({.title = u"Stop the export?"_s,
+                .message = u"The movie is not finished yet."_s,
+                .confirm = u"Stop"_s,
+                .cancel = u"Keep Exporting"_s});
 }
 
 void StudioWindow::closeEvent(QCloseEvent* event) {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "desktop/file_panels.h"
+#include "studio/editor/studio_view.h"
+
 #include <QWidget>
 #include <functional>
 #include <memory>
-
-#include "platform/file_panels.h"
-#include "studio/studio_view.h"
 
 namespace brisklet {
 

@@ -1,11 +1,13 @@
 #include "studio/timeline.h"
 
+#include "studio/controls/inspector_block.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/studio_text.h"
+#include "studio/timeline_list.h"
+
 #include <QVBoxLayout>
 
-#include "studio/inspector_block.h"
-#include "studio/palette.h"
-#include "studio/studio_text.h"
-#include "studio/timeline_list.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -24,7 +26,7 @@ Timeline::Timeline(QWidget* parent)
   column->addStretch();
 
   auto* text = new StudioText({13, FontWeight::Regular}, Studio::mute);
-  text->setText(tr("Add a ping to start the stack."));
+  text->setText(u"Add a ping to start the stack."_s);
   auto* around = new QVBoxLayout(emptyText_);
   around->setContentsMargins(0, emptyTextMargin, 0, emptyTextMargin);
   around->addWidget(text);

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "model/ping.h"
+
 #include <QList>
 #include <QWidget>
 #include <optional>
-
-#include "model/ping.h"
 
 namespace brisklet {
 

@@ -1,11 +1,14 @@
 #include "studio/timeline_accessible.h"
 
+#include "studio/controls/accessibility.h"
+#include "studio/editor/delay_text.h"
+#include "studio/timeline_list.h"
+
 #include <QAccessibleWidget>
 #include <QHash>
 #include <QPointer>
 
-#include "studio/delay_text.h"
-#include "studio/timeline_list.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -59,8 +62,7 @@ class AccessibleRemove : public AccessiblePart {
 
   QAccessible::Role role() const override { return QAccessible::Button; }
   QString text(QAccessible::Text kind) const override {
-    return kind == QAccessible::Name && isValid() ? TimelineList::tr("Remove ping %1").arg(row() + 1)
-                                                  : QString();
+    return kind == QAccessible::Name && isValid() ? u"Remove ping %1"_s.arg(row() + 1) : QString();
   }
   QAccessible::State state() const override { return visibility(); }
   QAccessibleInterface* parent() const override;
@@ -90,8 +92,7 @@ class AccessibleRow : public AccessiblePart {
     if (!isValid()) return {};
     const Ping& ping = list()->ping(row());
     if (kind == QAccessible::Name) return timelineRowName(ping, row());
-    if (kind == QAccessible::Description)
-      return QStringLiteral("%1, %2").arg(ping.message, delayLabel(ping.delayMs));
+    if (kind == QAccessible::Description) return u"%1, %2"_s.arg(ping.message, delayLabel(ping.delayMs));
     return {};
   }
   QAccessible::State state() const override {
@@ -185,18 +186,10 @@ class AccessibleTimeline : public QAccessibleWidget {
   mutable QHash<QString, QAccessible::Id> rowIds_;
 };
 
-QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-  auto* list = qobject_cast<TimelineList*>(object);
-  return list ? new AccessibleTimeline(list) : nullptr;
-}
-
 }  // namespace
 
 void installTimelineAccessibility() {
-  [[maybe_unused]] static const bool installed = [] {
-    QAccessible::installFactory(makeInterface);
-    return true;
-  }();
+  useAccessibleInterface<TimelineList, AccessibleTimeline>();
 }
 
 void announceTimelineRows(TimelineList& list) {
@@ -211,6 +204,14 @@ void announceCurrentTimelineRow(TimelineList& list) {
   if (!QAccessible::isActive() || !list.hasFocus()) return;
   QAccessibleEvent event(&list, QAccessible::Focus);
   event.setChild(static_cast<int>(list.currentRow()));
+  QAccessible::updateAccessibility(&event);
+}
+
+void announceTimelineSelection(TimelineList& list, qsizetype row) {
+  if (!QAccessible::isActive() || row < 0) return;
+  QAccessibleEvent event(&list,
+                         list.isSelected(row) ? QAccessible::SelectionAdd : QAccessible::SelectionRemove);
+  event.setChild(static_cast<int>(row));
   QAccessible::updateAccessibility(&event);
 }
 

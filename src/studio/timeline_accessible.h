@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 namespace brisklet {
 
 class TimelineList;
@@ -13,5 +15,7 @@ void installTimelineAccessibility();
 void announceTimelineRows(TimelineList& list);
 /// Tells that the keys now act on another row.
 void announceCurrentTimelineRow(TimelineList& list);
+/// Tells that a row has been selected, or is no longer.
+void announceTimelineSelection(TimelineList& list, qsizetype row);
 
 }  // namespace brisklet

@@ -1,5 +1,9 @@
 #include "studio/timeline_list.h"
 
+#include "studio/controls/control_painting.h"
+#include "studio/controls/focus_mark.h"
+#include "studio/timeline_accessible.h"
+
 #include <QAccessible>
 #include <QHash>
 #include <QHelpEvent>
@@ -8,9 +12,7 @@
 #include <QToolTip>
 #include <algorithm>
 
-#include "studio/control_painting.h"
-#include "studio/focus_mark.h"
-#include "studio/timeline_accessible.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -29,59 +31,16 @@ bool looksTheSame(const Ping& a, const Ping& b) {
 TimelineList::TimelineList(QWidget* parent)
     : QWidget(parent), mark_(new FocusMark(this, TimelineRow::radius)), shownRows_(mostShownRows) {
   installTimelineAccessibility();
-  setAccessibleName(tr("Pings"));
+  setAccessibleName(u"Pings"_s);
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
 }
 
 void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QString>& selectedId) {
-  // Heights are known for the rows that are there. Most changes leave those before them in their places.
-  QHash<QString, qsizetype> formerRows;
-  qsizetype inPlace = 0;
-  const auto formerRow = [&](qsizetype i, const QString& id) -> qsizetype {
-    if (i < rows_.size() && rows_[i].ping.id == id) {
-      inPlace += inPlace == i;
-      return i;
-    }
-    if (inPlace == rows_.size()) return -1;
-    if (formerRows.isEmpty()) {
-      for (qsizetype each = inPlace; each < rows_.size(); ++each)
-        formerRows.insert(rows_[each].ping.id, each);
-    }
-    return formerRows.value(id, -1);
-  };
-
   const bool countDiffers = pings.size() != rows_.size();
   const qsizetype formerCurrent = currentRow();
-  QList<Row> next;
-  next.reserve(pings.size());
-  int top = 0;
-  QRect dirty;
-  for (qsizetype i = 0; i < pings.size(); ++i) {
-    const Ping& ping = pings[i];
-    const qsizetype former = formerRow(i, ping.id);
-    Row row{ping, top, 0};
-    if (former >= 0 && looksTheSame(rows_[former].ping, ping)) {
-      row.height = rows_[former].height;
-    } else {
-      shownRows_.remove(ping.id);
-      row.height = laidOutWidth_ > 0 ? laidOut(row).height() : 0;
-      dirty |= QRect(0, top, width(), row.height);
-    }
-    // Everything below a row that has moved has moved, too.
-    if (former >= 0 && rows_[former].top != top) dirty |= QRect(0, top, width(), height());
-    top += row.height + rowSpacing;
-    next.append(std::move(row));
-  }
-  rows_ = std::move(next);
-  setFixedHeight(rowsHeight());
-
-  if (selectedId != selectedId_) {
-    if (selectedId_) updateRow(rowOf(*selectedId_));
-    selectedId_ = selectedId;
-    if (selectedId_) updateRow(rowOf(*selectedId_));
-    if (selectedId_ && rowOf(*selectedId_) >= 0) currentId_ = *selectedId_;
-  }
+  setRows(pings);
+  setSelected(selectedId);
   // The place of a current row that has gone goes to the row that came after it.
   if (rowOf(currentId_) < 0)
     currentId_ = rows_.isEmpty() || formerCurrent < 0
@@ -93,7 +52,47 @@ void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QStrin
     announceTimelineRows(*this);
   }
   markCurrentRow();
-  update(dirty);
+}
+
+void TimelineList::setRows(const QList<Ping>& pings) {
+  // A row that looks as before is as high as before.
+  QHash<QStringView, const Row*> formerRows;
+  formerRows.reserve(rows_.size());
+  for (const Row& row : rows_) formerRows.insert(row.ping.id, &row);
+
+  bool differs = pings.size() != rows_.size();
+  QList<Row> next;
+  next.reserve(pings.size());
+  int top = 0;
+  for (const Ping& ping : pings) {
+    Row row{ping, top, 0};
+    const Row* former = formerRows.value(ping.id);
+    if (former && looksTheSame(former->ping, ping)) {
+      row.height = former->height;
+    } else {
+      shownRows_.remove(ping.id);
+      row.height = laidOutWidth_ > 0 ? laidOut(row).height() : 0;
+      former = nullptr;
+    }
+    differs |= !former || former->top != top;
+    top += row.height + rowSpacing;
+    next.append(std::move(row));
+  }
+  rows_ = std::move(next);
+  setFixedHeight(rowsHeight());
+  if (differs) update();
+}
+
+void TimelineList::setSelected(const std::optional<QString>& id) {
+  if (id == selectedId_) return;
+  const qsizetype former = selectedId_ ? rowOf(*selectedId_) : -1;
+  selectedId_ = id;
+  const qsizetype selected = id ? rowOf(*id) : -1;
+  if (selected >= 0) currentId_ = *id;
+  for (const qsizetype row : {former, selected}) {
+    updateRow(row);
+    announceTimelineSelection(*this, row);
+  }
 }
 
 qsizetype TimelineList::rowOf(const QString& pingId) const {
@@ -129,6 +128,10 @@ void TimelineList::pressRow(qsizetype row) {
 
 void TimelineList::pressRemove(qsizetype row) {
   if (row >= 0 && row < rows_.size()) Q_EMIT removePressed(QString(rows_[row].ping.id));
+}
+
+bool TimelineList::isMarked() const {
+  return mark_->isShown();
 }
 
 int TimelineList::rowsHeight() const {
@@ -217,7 +220,7 @@ bool TimelineList::event(QEvent* event) {
   const auto* help = static_cast<QHelpEvent*>(event);
   const Spot spot = spotAt(help->pos());
   if (spot.isRemove)
-    QToolTip::showText(help->globalPos(), tr("Remove"), this, removeRect(spot.row));
+    QToolTip::showText(help->globalPos(), u"Remove"_s, this, removeRect(spot.row));
   else
     QToolTip::hideText();
   return true;
@@ -288,7 +291,8 @@ void TimelineList::keyPressEvent(QKeyEvent* event) {
       return;
     case Qt::Key_Delete:
       mark_->setByKeyboard(true);
-      return pressRemove(current);
+      if (!event->isAutoRepeat()) pressRemove(current);
+      return;
     default:
       event->ignore();
   }

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "lockscreen/app_glyph.h"
+#include "model/ping.h"
+#include "studio/timeline_row.h"
+
 #include <QCache>
 #include <QList>
 #include <QWidget>
 #include <optional>
-
-#include "lockscreen/app_glyph.h"
-#include "model/ping.h"
-#include "studio/timeline_row.h"
 
 namespace brisklet {
 
@@ -38,6 +38,8 @@ class TimelineList : public QWidget {
   void setCurrentRow(qsizetype row);
   void pressRow(qsizetype row);
   void pressRemove(qsizetype row);
+  /// Whether the keyboard's focus is marked on a row.
+  [[nodiscard]] bool isMarked() const;
 
  Q_SIGNALS:
   void rowPressed(const Ping& ping);
@@ -70,6 +72,8 @@ class TimelineList : public QWidget {
     friend bool operator==(const Spot&, const Spot&) = default;
   };
 
+  void setRows(const QList<Ping>& pings);
+  void setSelected(const std::optional<QString>& id);
   [[nodiscard]] Spot spotAt(const QPoint& at) const;
   void setHovered(const Spot& spot);
   void setPressed(const Spot& spot);

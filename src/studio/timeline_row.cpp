@@ -1,13 +1,15 @@
 #include "studio/timeline_row.h"
 
+#include "drawing/symbol_image.h"
+#include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
+#include "studio/editor/delay_text.h"
+
 #include <QObject>
 #include <algorithm>
 #include <utility>
 
-#include "platform/symbol_image.h"
-#include "studio/control_painting.h"
-#include "studio/delay_text.h"
-#include "studio/palette.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -24,7 +26,7 @@ constexpr int textLeft = TimelineRow::margin + TimelineRow::glyphSize + Timeline
 }  // namespace
 
 QString timelineRowName(const Ping& ping, qsizetype index) {
-  return QObject::tr("Ping %1, %2").arg(QString::number(index + 1), ping.title);
+  return u"Ping %1, %2"_s.arg(QString::number(index + 1), ping.title);
 }
 
 TimelineRow::TimelineRow(Ping ping, int width) : ping_(std::move(ping)), width_(width) {
@@ -66,7 +68,7 @@ void TimelineRow::paint(QPainter& painter, const Look& look, AppGlyphCache& glyp
                             : look.isRemoveHovered ? Studio::hoverVeil
                                                    : QColor(Qt::transparent);
   paintBox(painter, {.rect = remove, .radius = removeRadius}, removeVeil);
-  drawSymbol(painter, QStringLiteral("xmark"), removeSymbolSize, remove.center(),
+  drawSymbol(painter, u"xmark"_s, removeSymbolSize, remove.center(),
              look.isRemoveHovered ? Studio::ink : Studio::mute);
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QPainter>
-#include <QRect>
-
 #include "lockscreen/app_glyph.h"
 #include "model/ping.h"
-#include "studio/clamped_text.h"
-#include "studio/tabular_text.h"
+#include "studio/controls/clamped_text.h"
+#include "studio/controls/tabular_text.h"
+
+#include <QPainter>
+#include <QRect>
 
 namespace brisklet {
 

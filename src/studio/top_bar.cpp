@@ -1,19 +1,21 @@
 #include "studio/top_bar.h"
 
+#include "lockscreen/bundle_image.h"
+#include "studio/controls/control_painting.h"
+#include "studio/controls/focus_mark.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/studio_button.h"
+#include "studio/controls/studio_line_edit.h"
+#include "studio/controls/studio_text.h"
+#include "studio/controls/window_button.h"
+
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleHints>
 #include <cmath>
 
-#include "lockscreen/bundle_image.h"
-#include "studio/control_painting.h"
-#include "studio/focus_mark.h"
-#include "studio/palette.h"
-#include "studio/studio_button.h"
-#include "studio/studio_line_edit.h"
-#include "studio/studio_text.h"
-#include "studio/window_button.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -38,26 +40,24 @@ TopBar::TopBar(QWidget* parent)
     : QWidget(parent),
       title_(new StudioLineEdit({14, FontWeight::Medium}, titleOutset, 2, this)),
       summary_(new StudioText({12, FontWeight::Medium}, Studio::mute, this)),
-      new_(new StudioButton(tr("New"), {}, ButtonLook::Flat, this)),
-      play_(new StudioButton(tr("Play"), QStringLiteral("play.fill"), ButtonLook::Flat, this)),
-      export_(
-          new StudioButton(tr("Export"), QStringLiteral("square.and.arrow.down"), ButtonLook::Solid, this)),
-      minimise_(new WindowButton(QStringLiteral("window.minimise"), tr("Minimise"), this)),
-      zoom_(new WindowButton(QStringLiteral("window.zoom"), tr("Zoom"), this)),
-      close_(new WindowButton(QStringLiteral("window.close"), tr("Close"), this)) {
+      new_(new StudioButton(u"New"_s, {}, ButtonLook::Flat, this)),
+      play_(new StudioButton(u"Play"_s, u"play.fill"_s, ButtonLook::Flat, this)),
+      export_(new StudioButton(u"Export"_s, u"square.and.arrow.down"_s, ButtonLook::Solid, this)),
+      minimise_(new WindowButton(u"window.minimise"_s, u"Minimise"_s, this)),
+      zoom_(new WindowButton(u"window.zoom"_s, u"Zoom"_s, this)),
+      close_(new WindowButton(u"window.close"_s, u"Close"_s, this)) {
   setFixedHeight(barHeight);
   summary_->setFixedHeight(StudioButton::buttonHeight);
   summary_->standWith(StudioButton::titleStyle);
-  if (const auto mark = BundleImage::named(QStringLiteral("brisklet-mark")))
-    logo_ = tinted(*mark, Studio::ink);
+  if (const auto mark = BundleImage::named(u"brisklet-mark"_s)) logo_ = tinted(*mark, Studio::ink);
 
-  title_->setPlaceholderText(tr("Untitled video"));
-  title_->setAccessibleName(tr("Title"));
+  title_->setPlaceholderText(u"Untitled video"_s);
+  title_->setAccessibleName(u"Title"_s);
   title_->setAttribute(Qt::WA_Hover);
   title_->installEventFilter(this);
   new FocusMark(title_, titleRadius);
 
-  connect(title_, &QLineEdit::textEdited, this, &TopBar::titleEdited);
+  connect(title_, &StudioLineEdit::lineEdited, this, &TopBar::titleEdited);
   connect(new_, &QAbstractButton::clicked, this, &TopBar::newPressed);
   connect(play_, &QAbstractButton::clicked, this, &TopBar::playPressed);
   connect(export_, &QAbstractButton::clicked, this, &TopBar::exportPressed);
@@ -69,19 +69,18 @@ TopBar::TopBar(QWidget* parent)
 void TopBar::setState(const State& state) {
   title_->showText(state.title);
   summary_->setText(state.summary);
-  play_->setTitle(state.isPlaying ? tr("Playing") : tr("Play"));
+  play_->setTitle(state.isPlaying ? u"Playing"_s : u"Play"_s);
   play_->setUsable(state.canPlay);
-  export_->setTitle(state.exportProgress ? tr("Exporting") : tr("Export"));
+  export_->setTitle(state.exportProgress ? u"Exporting"_s : u"Export"_s);
   export_->setUsable(state.canExport);
   const QString percentage =
-      state.exportProgress ? tr("%1%").arg(static_cast<int>(*state.exportProgress * 100)) : QString();
+      state.exportProgress ? u"%1%"_s.arg(static_cast<int>(*state.exportProgress * 100)) : QString();
   export_->setToolTip(percentage);
-  export_->setAccessibleDescription(percentage);
   place();
 }
 
 void TopBar::setZoomed(bool zoomed) {
-  zoom_->setLabel(zoomed ? tr("Restore") : tr("Zoom"));
+  zoom_->setLabel(zoomed ? u"Restore"_s : u"Zoom"_s);
 }
 
 void TopBar::resizeEvent(QResizeEvent*) {

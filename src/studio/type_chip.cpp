@@ -1,9 +1,9 @@
 #include "studio/type_chip.h"
 
-#include <QPainter>
+#include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
 
-#include "studio/control_painting.h"
-#include "studio/palette.h"
+#include <QPainter>
 
 namespace brisklet {
 

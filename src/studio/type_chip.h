@@ -1,8 +1,8 @@
 #pragma once
 
+#include "drawing/text_line.h"
 #include "model/catalogue.h"
-#include "platform/text_line.h"
-#include "studio/chip.h"
+#include "studio/controls/chip.h"
 
 namespace brisklet {
 

@@ -1,19 +1,21 @@
 #include "studio/wallpaper_chip.h"
 
-#include <QPainter>
-
 #include "lockscreen/bundle_image.h"
 #include "model/color.h"
 #include "studio/chip_preview.h"
-#include "studio/control_painting.h"
-#include "studio/palette.h"
+#include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
+
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
 namespace {
 
 QColor substituteColor() {
-  const Color color = Color::fromHex(QStringLiteral("#9bb4be"));
+  const Color color = Color::fromHex(u"#9bb4be"_s);
   return Studio::srgb(color.red, color.green, color.blue);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QImage>
+#include "studio/controls/chip.h"
 
-#include "studio/chip.h"
+#include <QImage>
 
 namespace brisklet {
 

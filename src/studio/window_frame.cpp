@@ -1,5 +1,9 @@
 #include "studio/window_frame.h"
 
+#include "desktop/window_manager.h"
+#include "studio/controls/accessibility.h"
+#include "studio/controls/palette.h"
+
 #include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -7,14 +11,9 @@
 #include <QWindow>
 #include <algorithm>
 
-#include "studio/palette.h"
-
 namespace brisklet {
 
 namespace {
-
-/// A window manager has zoomed the window within this time, or there is none.
-constexpr int zoomPatienceMs = 300;
 
 constexpr QColor hairlineColor = Studio::srgb(0, 0, 0, 0.1);
 
@@ -33,6 +32,7 @@ class Grip : public QWidget {
   Grip(Qt::Edges edges, QWidget* window) : QWidget(window), edges_(edges) {
     setCursor(cursorFor(edges));
     setAttribute(Qt::WA_NoSystemBackground);
+    hideFromAccessibility(this);
   }
 
   [[nodiscard]] Qt::Edges edges() const { return edges_; }
@@ -95,9 +95,6 @@ WindowFrame::WindowFrame(QWidget* window) : QObject(window), window_(window) {
         Qt::TopEdge | Qt::LeftEdge, Qt::TopEdge | Qt::RightEdge, Qt::BottomEdge | Qt::LeftEdge,
         Qt::BottomEdge | Qt::RightEdge})
     grips_.append(new Grip(edges, window));
-  zoomCheck_.setSingleShot(true);
-  zoomCheck_.setInterval(zoomPatienceMs);
-  connect(&zoomCheck_, &QTimer::timeout, this, &WindowFrame::zoomByItself);
 }
 
 void WindowFrame::drag(const QPoint& from, const QPoint& to) {
@@ -114,26 +111,23 @@ bool WindowFrame::isZoomed() const {
 }
 
 void WindowFrame::toggleZoom() {
-  zoomCheck_.stop();
   if (isZoomedByItself_) {
     isZoomedByItself_ = false;
     window_->setGeometry(normalGeometry_);
     Q_EMIT zoomedChanged();
   } else if (window_->isMaximized()) {
     window_->showNormal();
+  } else if (lacksWindowManager()) {
+    zoomByItself();
   } else {
-    normalGeometry_ = window_->geometry();
     window_->showMaximized();
-    zoomCheck_.start();
   }
 }
 
 void WindowFrame::zoomByItself() {
-  const QRect room = window_->screen()->availableGeometry();
-  if (!window_->isVisible() || window_->geometry() != normalGeometry_ || normalGeometry_ == room) return;
-  window_->setWindowState(window_->windowState() & ~Qt::WindowMaximized);
+  normalGeometry_ = window_->geometry();
   isZoomedByItself_ = true;
-  window_->setGeometry(room);
+  window_->setGeometry(window_->screen()->availableGeometry());
   Q_EMIT zoomedChanged();
 }
 

@@ -3,7 +3,6 @@
 #include <QList>
 #include <QPoint>
 #include <QRect>
-#include <QTimer>
 #include <QWidget>
 #include <optional>
 
@@ -44,7 +43,6 @@ class WindowFrame : public QObject {
   bool systemMoves_ = false;
   QRect normalGeometry_;
   bool isZoomedByItself_ = false;
-  QTimer zoomCheck_;
 };
 
 }  // namespace brisklet

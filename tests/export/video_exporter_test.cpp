@@ -1,16 +1,22 @@
 #include "export/video_exporter.h"
 
+#include "export/event_loop.h"
+#include "lockscreen/lock_screen_view.h"
+#include "playback/sequence_player.h"
+#include "sound/notification_sounds.h"
+#include "support/decoded_movie.h"
+#include "support/printing.h"
+
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QtEndian>
 #include <cmath>
 #include <limits>
 #include <vector>
-
-#include "base/wait_for_task.h"
-#include "support/printing.h"
 
 namespace brisklet {
 namespace {
@@ -63,7 +69,6 @@ class ScriptedWriter : public MovieWriter {
     script_.steps.append("finish");
     QTimer::singleShot(0, completion);
   }
-  void removeFile() override { script_.steps.append("remove"); }
   Status status() const override { return script_.finalStatus; }
   QString errorText() const override { return script_.errorText; }
 
@@ -77,7 +82,9 @@ SequenceDocument documentWithDelays(const QList<double>& delays) {
   for (const double delayMs : delays) {
     Ping ping;
     ping.id = QString::number(document.notifications.size());
-    ping.appId = "messages";
+    ping.appId = ping.id == "1" ? "snapchat" : "messages";
+    ping.title = "Mom";
+    ping.message = QString::fromUtf8("look \U0001F525");
     ping.delayMs = delayMs;
     document.notifications.append(ping);
   }
@@ -93,7 +100,7 @@ struct VideoExporterTest : testing::Test {
   QString exported(const SequenceDocument& document, std::stop_token stop = {},
                    const VideoExporter::Progress& progress = {}) {
     try {
-      waitForTask(VideoExporter::exportMovie(document, path, progress, stop, [this](const QString&) {
+      waitForTask(VideoExporter::exportMovie(document, path, progress, stop, [this](OutputFile) {
         return std::make_unique<ScriptedWriter>(script);
       }));
       return {};
@@ -102,10 +109,26 @@ struct VideoExporterTest : testing::Test {
     }
   }
 
+  QString file(const QString& name) const { return directory.filePath(name); }
+
+  QByteArray read(const QString& name) const {
+    QFile in(file(name));
+    return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
+  }
+
   void writeOldFile() {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("old");
+    QFile old(path);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("old");
+  }
+
+  QStringList entries() const { return QDir(directory.path()).entryList(QDir::Files | QDir::Hidden); }
+
+  QString savedPhoto(const QColor& color) const {
+    QImage photo(300, 650, QImage::Format_RGB32);
+    photo.fill(color);
+    EXPECT_TRUE(photo.save(file("photo.png")));
+    return file("photo.png");
   }
 };
 
@@ -166,7 +189,7 @@ TEST_F(VideoExporterTest, whatTheWriterRefusesEndsAsItShould) {
   script = {};
   script.takesVideo = false;
   EXPECT_EQ(exported(documentWithDelays({})), "Could not write the video file.");
-  EXPECT_EQ(script.steps, QStringList("remove"));
+  EXPECT_EQ(script.steps, QStringList());
 
   script = {};
   script.starts = false;
@@ -198,45 +221,118 @@ TEST_F(VideoExporterTest, theEventLoopKeepsTurningWhetherTheWriterIsBusyOrNot) {
   }
 }
 
-TEST_F(VideoExporterTest, stoppingEndsTheExportAndLeavesThePartialFile) {
-  script.asksPerFrame = 2;
+TEST_F(VideoExporterTest, stoppingEndsTheExportAndLeavesNothing) {
+  writeOldFile();
   std::stop_source stop;
-  QString error = exported(documentWithDelays({}), stop.get_token(), [&](qint64 done, qint64) {
-    if (done == 10) {
-      writeOldFile();  // stands for what the writer has written so far
-      stop.request_stop();
-    }
-  });
-  EXPECT_EQ(error, "The export was stopped.");
-  EXPECT_EQ(script.frames.size(), 10u);
-  EXPECT_EQ(script.steps, QStringList("start"));
-  EXPECT_TRUE(QFile::exists(path));
+  const auto progress = [&](qint64 done, qint64) {
+    EXPECT_EQ(entries(), QStringList()) << "the old movie goes when the export begins";
+    if (done == 10) stop.request_stop();
+  };
+  EXPECT_THROW(
+      waitForTask(VideoExporter::exportMovie(documentWithDelays({100}), path, progress, stop.get_token())),
+      ExportCancelled);
+  EXPECT_EQ(entries(), QStringList());
 }
 
-TEST_F(VideoExporterTest, aDocumentWithoutAnEndIsRefusedBeforeTheOldFileIsTouched) {
+TEST_F(VideoExporterTest, whatCannotBeAMovieIsRefusedBeforeTheOldFileIsTouched) {
   writeOldFile();
   constexpr double infinity = std::numeric_limits<double>::infinity();
   EXPECT_TRUE(exported(documentWithDelays({infinity})).contains("never ends"));
   EXPECT_TRUE(exported(documentWithDelays({std::nan("")})).contains("never ends"));
-  EXPECT_TRUE(exported(documentWithDelays({86400000})).contains("24"));
-  EXPECT_TRUE(QFile::exists(path));
+  EXPECT_TRUE(
+      exported(documentWithDelays({25 * 3600000.0})).contains("is 25 hours long; a movie can have 24"));
+  EXPECT_TRUE(exported(documentWithDelays({24 * 3600000.0})).contains("is more than 24 hours long"));
   EXPECT_EQ(VideoExporter::frameCount(documentWithDelays({-1e9})), 1);
-}
 
-TEST_F(VideoExporterTest, onlyAPlainFileThatIsNotThePhotoIsReplaced) {
-  path = directory.path();
-  EXPECT_TRUE(exported(documentWithDelays({})).contains("is a directory"));
-  EXPECT_TRUE(QFile::exists(path));
-  path = "/dev/null";
-  EXPECT_TRUE(exported(documentWithDelays({})).contains("not a regular file"));
-
-  path = directory.filePath("photo.jpg");
-  writeOldFile();
   SequenceDocument document = documentWithDelays({});
   document.wallpaper = "custom";
-  document.wallpaperUrl = directory.filePath("./photo.jpg");
+  document.wallpaperUrl = file("./movie.mp4");
+  ASSERT_TRUE(QFile::link("movie.mp4", file("link")));
+  path = file("link");
   EXPECT_TRUE(exported(document).contains("wallpaper photo"));
-  EXPECT_TRUE(QFile::exists(path));
+  EXPECT_EQ(read("movie.mp4"), "old");
+}
+
+TEST_F(VideoExporterTest, theMovieShowsWhatTheLockScreenPaintsAndSoundsWhatTheTonesSay) {
+  SequenceDocument document = documentWithDelays({500, 900});
+  document.wallpaper = "three";
+  waitForTask(VideoExporter::exportMovie(document, path));
+  const DecodedMovie movie = decodedMovie(path);
+
+  ASSERT_EQ(movie.frames.size(), 81u);  // 2700 ms
+  for (std::size_t i = 0; i < movie.frames.size(); ++i)
+    ASSERT_EQ(movie.frames[i].time, static_cast<qint64>(i));
+  EXPECT_EQ(movie.changes(), (std::vector<qint64>{15, 27}));
+
+  SequencePlayer player(document);
+  LockScreenCache cache;
+  for (const std::size_t frame : {0u, 15u, 27u, 80u}) {
+    player.setElapsedMs(static_cast<double>(frame) / 30 * 1000);
+    const QImage painted = captureFrame({document, player, Rendering::Movie}, cache);
+    EXPECT_GE(lumaPsnr(movie.pictureAt(frame), painted), 46) << frame;
+  }
+
+  ASSERT_EQ(movie.channels.size(), 2u);
+  const std::vector<float>& left = movie.channels[0];
+  const QByteArray pcm = NotificationSounds::stereoPCM(document);
+  EXPECT_GE(left.size(), static_cast<std::size_t>(pcm.size() / 4));
+  // An encoder that keeps what is heard keeps the loudness of every stretch of sound, and silence silent.
+  const auto loudness = [](auto&& sample, std::size_t first) {
+    double sum = 0;
+    for (std::size_t i = first; i < first + 441; ++i) sum += sample(i) * sample(i);
+    return std::sqrt(sum / 441);
+  };
+  const auto decoded = [&left](std::size_t i) { return static_cast<double>(left[i]); };
+  const auto synthesised = [&pcm](std::size_t i) {
+    return static_cast<double>(qFromLittleEndian<qint16>(pcm.constData() + i * 4)) / 32767;
+  };
+  for (std::size_t first = 0; first + 441 < 60000; first += 441)
+    EXPECT_NEAR(loudness(decoded, first), loudness(synthesised, first), 0.01) << first;
+  // Onsets to the millisecond: 22050 is the first sample of the first tone, 39690 of the second.
+  for (const std::size_t onset : {22050u, 39690u}) {
+    std::size_t heard = onset - 2205;
+    while (heard < left.size() && std::abs(left[heard]) < 0.01f) ++heard;
+    std::size_t meant = onset;
+    while (std::abs(synthesised(meant)) < 0.01) ++meant;
+    EXPECT_NEAR(static_cast<double>(heard), static_cast<double>(meant), 44) << onset;
+  }
+}
+
+TEST_F(VideoExporterTest, aMovieHasOneWallpaperWhateverHappensToThePhoto) {
+  SequenceDocument document = documentWithDelays({100, 600});
+  document.wallpaper = "custom";
+  const std::function<void()> events[] = {[this] { savedPhoto(Qt::blue); },
+                                          [this] { EXPECT_TRUE(QFile::remove(file("photo.png"))); }};
+  for (const auto& event : events) {
+    document.wallpaperUrl = savedPhoto(Qt::red);
+    waitForTask(VideoExporter::exportMovie(document, path, [&event](qint64 framesDone, qint64) {
+      if (framesDone == 10) event();
+    }));
+    const DecodedMovie movie = decodedMovie(path);
+    EXPECT_EQ(movie.changes(), (std::vector<qint64>{3, 18}));
+    const QColor color = movie.pictureAt(movie.frames.size() - 1).rgb(600, 1900);
+    EXPECT_GT(color.red(), 200);
+    EXPECT_LT(color.blue(), 50);
+  }
+}
+
+TEST_F(VideoExporterTest, exportsAtOnceAreTheSameAsOneAfterTheOtherAndTakeNothingForGood) {
+  const SequenceDocument first = documentWithDelays({100, 700}), second = documentWithDelays({300});
+  waitForTask(VideoExporter::exportMovie(first, file("a.mp4")));
+  waitForTask(VideoExporter::exportMovie(second, file("b.mp4")));
+  const auto taken = [](const QString& what) {
+    return QDir("/proc/self/" + what).entryList(QDir::AllEntries | QDir::System).size();
+  };
+  const qsizetype files = taken("fd"), threads = taken("task");
+  QCoro::Task<> a = VideoExporter::exportMovie(first, file("a at once.mp4"));
+  QCoro::Task<> b = VideoExporter::exportMovie(second, path);
+  QCoro::Task<> c = VideoExporter::exportMovie(second, path);
+  for (QCoro::Task<>* task : {&a, &b, &c}) waitForTask(std::move(*task));
+  EXPECT_TRUE(read("a at once.mp4") == read("a.mp4"));
+  EXPECT_TRUE(read("movie.mp4") == read("b.mp4"));
+  EXPECT_EQ(taken("fd"), files);
+  EXPECT_EQ(taken("task"), threads);
+  EXPECT_EQ(entries(), (QStringList{"a at once.mp4", "a.mp4", "b.mp4", "movie.mp4"}));
 }
 
 }  // namespace

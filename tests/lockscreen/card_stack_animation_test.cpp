@@ -1,11 +1,11 @@
 #include "lockscreen/card_stack_animation.h"
 
+#include "pictures.h"
+#include "support/printing.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
-
-#include "pictures.h"
-#include "support/printing.h"
 
 using namespace Qt::StringLiterals;
 
@@ -96,6 +96,8 @@ TEST_F(CardStackAnimationTest, leavingCardFadesOutWhereItIsAndMayComeBackFromThe
   EXPECT_NEAR(card(b, 90).opacity, leaving.opacity, 1e-9);
   EXPECT_NEAR(card(b, 90).y, 86, 1e-9);
   expectResting({b, a});
+  animation.update({c, b, a}, 5000);
+  EXPECT_EQ(card(b, 5000).opacity, 1) << "it is there to stay";
 }
 
 TEST_F(CardStackAnimationTest, changeOfTextsAloneMovesNothing) {

@@ -1,12 +1,12 @@
 #include "lockscreen/lock_glass.h"
 
+#include "pictures.h"
+
 #include <gtest/gtest.h>
 
 #include <QPainter>
 #include <cmath>
 #include <random>
-
-#include "pictures.h"
 
 namespace brisklet {
 namespace {
@@ -49,10 +49,10 @@ struct Painted {
   QImage wallpaper, backdrop;
   LockGlass glass;
 
-  Painted(const QImage& picture, GlassStyle style, double scale)
+  Painted(const QImage& picture, Rendering rendering, double scale)
       : wallpaper(picture),
-        backdrop(glassBackdrop(picture, scale, style)),
-        glass((QSizeF(354, 76) * scale).toSize(), 28, scale, style) {}
+        backdrop(glassBackdrop(picture, scale, rendering)),
+        glass((QSizeF(354, 76) * scale).toSize(), 28, scale, rendering) {}
 
   QImage with(std::vector<GlassPlate> plates) {
     QImage image = wallpaper;
@@ -67,10 +67,10 @@ int unevenness(const QImage& image) {
   return greatestDifference(image, even, image.rect());
 }
 
-class LockGlassStyles : public testing::TestWithParam<GlassStyle> {};
-INSTANTIATE_TEST_SUITE_P(All, LockGlassStyles, testing::Values(GlassStyle::Material, GlassStyle::Regular));
+class LockRenderings : public testing::TestWithParam<Rendering> {};
+INSTANTIATE_TEST_SUITE_P(All, LockRenderings, testing::Values(Rendering::Movie, Rendering::Live));
 
-TEST_P(LockGlassStyles, whiteTextIsReadableOverAnyPicture) {
+TEST_P(LockRenderings, whiteTextIsReadableOverAnyPicture) {
   for (const double scale : {1.0, 3.0}) {
     const QList<QImage> pictures = hardPictures(scale);
     for (qsizetype number = 0; number < pictures.size(); ++number) {
@@ -87,7 +87,7 @@ TEST_P(LockGlassStyles, whiteTextIsReadableOverAnyPicture) {
   }
 }
 
-TEST_P(LockGlassStyles, plateOverAnEvenPictureIsEvenInsideItsRimAndEdgesBehindAreSoft) {
+TEST_P(LockRenderings, plateOverAnEvenPictureIsEvenInsideItsRimAndEdgesBehindAreSoft) {
   Painted painted(hardPictures(3)[5], GetParam(), 3);
   EXPECT_LE(unevenness(painted.backdrop), 1) << "Nothing bleeds in from beyond the picture's border.";
   EXPECT_LE(unevenness(painted.with({{300}}).copy(150, 390, 800, 40)), 3);
@@ -98,7 +98,7 @@ TEST_P(LockGlassStyles, plateOverAnEvenPictureIsEvenInsideItsRimAndEdgesBehindAr
   for (int x = 3; x < 1170; x += 3) EXPECT_NEAR(level(x), level(x - 3), 12) << x;
 }
 
-TEST_P(LockGlassStyles, plateKeepsToItsShapeAndItsShadowToItsReach) {
+TEST_P(LockRenderings, plateKeepsToItsShapeAndItsShadowToItsReach) {
   Painted painted(hardPictures(3).last(), GetParam(), 3);
   const QImage image = painted.with({{300}});
   const int reach = painted.glass.reach(), below = 300 + 228 + reach + 3 * 8;
@@ -115,7 +115,7 @@ TEST_P(LockGlassStyles, plateKeepsToItsShapeAndItsShadowToItsReach) {
 }
 
 TEST(LockGlass, plateOfAnyHeightOnTheScreenLooksTheSame) {
-  Painted painted(hardPictures(2)[5], GlassStyle::Regular, 2);
+  Painted painted(hardPictures(2)[5], Rendering::Live, 2);
   const QImage a = painted.with({{150}}).copy(0, 80, 780, 300);
   EXPECT_LE(greatestDifference(a, painted.with({{250}}).copy(0, 180, 780, 300), a.rect()), 2);
   // Half a pixel lower, the first row is half covered.
@@ -124,20 +124,23 @@ TEST(LockGlass, plateOfAnyHeightOnTheScreenLooksTheSame) {
 }
 
 TEST(LockGlass, platesTenPointsApartAreApartAndNearerOnesFlowTogether) {
-  Painted painted(hardPictures(2)[1], GlassStyle::Regular, 2);
+  Painted painted(hardPictures(2)[1], Rendering::Live, 2);
   const auto gapMiddle = [&](double gap) {
     return qGreen(painted.with({{100}, {100 + 152 + gap * 2}}).pixel(390, int(252 + gap)));
   };
   EXPECT_EQ(gapMiddle(10), 0);
   EXPECT_EQ(gapMiddle(7), 0);
   EXPECT_GT(gapMiddle(3), 25);
+  // Light comes from above.
+  const QImage grey = Painted(hardPictures(2)[5], Rendering::Live, 2).with({{100}});
+  EXPECT_GT(qGreen(grey.pixel(390, 100)), qGreen(grey.pixel(390, 251)) + 10);
   // At rest neighbours leave each other's outlines alone.
   EXPECT_LE(greatestDifference(painted.with({{100}, {272}}), painted.with({{100}}), QRect(40, 104, 700, 140)),
             1);
 }
 
 TEST(LockGlass, opacityChangesThePictureWithoutLeaps) {
-  Painted painted(hardPictures(1).last(), GlassStyle::Regular, 1);
+  Painted painted(hardPictures(1).last(), Rendering::Live, 1);
   QImage before = painted.with({{80.0, 1.0}});
   EXPECT_EQ(painted.with({{80.0, 1.0}, {110.3, 0}}), before);
   for (int step = 1; step <= 20; ++step) {

@@ -1,9 +1,9 @@
 #include "lockscreen/lock_screen_layout.h"
 
-#include <gtest/gtest.h>
-
-#include "platform/text_line.h"
+#include "drawing/text_line.h"
 #include "support/printing.h"
+
+#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 

@@ -1,10 +1,10 @@
 #include "lockscreen/lock_screen_view.h"
 
+#include "pictures.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
-
-#include "pictures.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,8 +20,7 @@ TEST(CaptureFrame, hasTheSameBytesEveryTime) {
   SequencePlayer player(document);
   for (const double time : {2500.0, 0.0, 9000.0, 500.0, SequencePlayer::finishedMs}) {
     player.setElapsedMs(time);
-    EXPECT_EQ(captureFrame({document, player, CaptureMode::Capture}, cache), captured(document, time))
-        << time;
+    EXPECT_EQ(captureFrame({document, player, Rendering::Movie}, cache), captured(document, time)) << time;
   }
 }
 
@@ -31,7 +30,7 @@ TEST(CaptureFrame, isTheSameImageUntilSomethingChanges) {
   LockScreenCache cache;
   const auto keyAt = [&](double time) {
     player.setElapsedMs(time);
-    return captureFrame({document, player, CaptureMode::Capture}, cache).cacheKey();
+    return captureFrame({document, player, Rendering::Movie}, cache).cacheKey();
   };
   const qint64 key = keyAt(1000);
   EXPECT_EQ(keyAt(1999.9), key);
@@ -39,6 +38,9 @@ TEST(CaptureFrame, isTheSameImageUntilSomethingChanges) {
   EXPECT_NE(later, key);
   document.timeLabel = u"9:42"_s;
   EXPECT_NE(keyAt(2000), later);
+  document.wallpaper = u"three"_s;
+  (void)keyAt(2000);
+  EXPECT_EQ(captureFrame({document, player, Rendering::Movie}, cache), captured(document, 2000));
 }
 
 TEST(CaptureFrame, cardsStandOnTheWallpaperAndNowhereElse) {
@@ -99,13 +101,13 @@ TEST(LockScreenView, paintsAtThePaintersPlaceAndScale) {
   const SequenceDocument document = documentWith(2);
   SequencePlayer player(document);
   LockScreenCache cache;
-  const LockScreenView view{document, player, CaptureMode::Capture};
+  const LockScreenView view{document, player, Rendering::Movie};
   QImage canvas(1200, 2600, QImage::Format_RGB32);
   canvas.fill(Qt::red);
   QPainter painter(&canvas);
   painter.translate(10, 20);
   painter.scale(3, 3);
-  view.paint(painter, cache);
+  view.paint(painter, cache, view.restingCards());
   painter.end();
   EXPECT_EQ(canvas.copy(10, 20, 1170, 2532), captured(document));
   EXPECT_EQ(canvas.pixel(9, 19), qRgb(255, 0, 0));
@@ -115,7 +117,7 @@ TEST(LockScreenView, paintsAtThePaintersPlaceAndScale) {
   QImage screen(780, 1688, QImage::Format_RGB32);
   screen.setDevicePixelRatio(2);
   painter.begin(&screen);
-  view.paint(painter, cache);
+  view.paint(painter, cache, view.restingCards());
   painter.end();
   screen.setDevicePixelRatio(1);
   EXPECT_EQ(screen, view.picture(cache, view.restingCards(), 2));
@@ -125,7 +127,7 @@ TEST(LockScreenView, isRoundedLiveAndFollowsTheAnimation) {
   const SequenceDocument document = documentWith(3);
   SequencePlayer player(document);
   LockScreenCache cache;
-  const LockScreenView view{document, player, CaptureMode::Live};
+  const LockScreenView view{document, player, Rendering::Live};
   const QImage resting = view.picture(cache, view.restingCards(), 1.72);
   EXPECT_EQ(resting.size(), QSize(671, 1452));
   for (const QPoint& corner : {QPoint(0, 0), QPoint(670, 0), QPoint(0, 1451), QPoint(670, 1451)})

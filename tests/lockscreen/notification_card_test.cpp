@@ -1,8 +1,8 @@
 #include "lockscreen/notification_card.h"
 
-#include <gtest/gtest.h>
-
 #include "pictures.h"
+
+#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 

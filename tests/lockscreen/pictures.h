@@ -1,12 +1,14 @@
 #pragma once
 
+#include "lockscreen/lock_screen_view.h"
+#include "model/catalogue.h"
+
 #include <QColor>
 #include <QImage>
 #include <QString>
 #include <algorithm>
 
-#include "lockscreen/lock_screen_view.h"
-#include "model/catalogue.h"
+using namespace Qt::StringLiterals;
 
 namespace brisklet {
 
@@ -18,14 +20,14 @@ inline Ping pingOf(const QString& appId, const QString& title, const QString& me
 }
 
 /// A document with fixed labels, whose pings land a second apart.
-inline SequenceDocument documentWith(int pings, const QString& wallpaper = QStringLiteral("two")) {
+inline SequenceDocument documentWith(int pings, const QString& wallpaper = u"two"_s) {
   SequenceDocument document = SequenceDocument::blank();
-  document.dateLabel = QStringLiteral("Mon Nov 16");
-  document.timeLabel = QStringLiteral("9:41");
+  document.dateLabel = u"Mon Nov 16"_s;
+  document.timeLabel = u"9:41"_s;
   document.wallpaper = wallpaper;
   for (int i = 0; i < pings; ++i)
-    document.notifications.append(pingOf(AppPreset::all().at(i % 5).id, QStringLiteral("Sender"),
-                                         QStringLiteral("Message"), i * 1000.0));
+    document.notifications.append(
+        pingOf(AppPreset::all().at(i % 5).id, u"Sender"_s, u"Message"_s, i * 1000.0));
   return document;
 }
 
@@ -33,7 +35,7 @@ inline QImage captured(const SequenceDocument& document, double elapsedMs = Sequ
   SequencePlayer player(document);
   player.setElapsedMs(elapsedMs);
   LockScreenCache cache;
-  return captureFrame({document, player, CaptureMode::Capture}, cache);
+  return captureFrame({document, player, Rendering::Movie}, cache);
 }
 
 /// The largest difference of a channel between two pictures within a rectangle.

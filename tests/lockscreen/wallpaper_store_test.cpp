@@ -1,13 +1,13 @@
 #include "lockscreen/wallpaper_store.h"
 
+#include "base/error.h"
+
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-
-#include "base/error.h"
 
 namespace brisklet {
 

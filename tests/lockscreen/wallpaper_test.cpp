@@ -1,11 +1,11 @@
 #include "lockscreen/wallpaper.h"
 
+#include "pictures.h"
+
 #include <gtest/gtest.h>
 
 #include <QFile>
 #include <QTemporaryDir>
-
-#include "pictures.h"
 
 using namespace Qt::StringLiterals;
 

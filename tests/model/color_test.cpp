@@ -13,17 +13,13 @@ TEST(Color, readsSixDigitsAndForgivesWhatSurroundsThem) {
   } rows[]{
       {"#e34b8b", pink},
       {"E34B8B", pink},
-      {"  #e34b8b\n", pink},
       {"\u2003#e34b8b\u2028", pink},
       {"12zz56", {0, 0, 18 / 255.0}},
       {"0x1234", {0, 18 / 255.0, 52 / 255.0}},
-      {"zzzzzz", {0, 0, 0}},
       {"# 12345", {0, 0, 0}},
       {"#fff", grey},
       {"#ff000080", grey},
-      {"##38c976", grey},
       {"", grey},
-      {"#", grey},
       {QString(1 << 20, 'f'), grey},
       // Characters are counted as a reader does: here six of seven code points, and five of six.
       {"12345z\u0301", {1 / 255.0, 35 / 255.0, 69 / 255.0}},

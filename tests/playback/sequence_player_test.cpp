@@ -1,18 +1,15 @@
 #include "playback/sequence_player.h"
 
+#include "support/documents.h"
+
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QTest>
 
 namespace brisklet {
 namespace {
-
-SequenceDocument documentWithPingAt(double delayMs) {
-  SequenceDocument document = SequenceDocument::blank();
-  document.notifications.emplaceBack();
-  document.notifications.last().delayMs = delayMs;
-  return document;
-}
 
 /// Whether a player plays, and its elapsed time.
 using State = std::pair<bool, double>;
@@ -21,7 +18,7 @@ constexpr State finished{false, SequencePlayer::finishedMs};
 /// A player whose time is set by hand; its run takes 2500 ms.
 struct PlayerTest : testing::Test {
   double nowMs = 5000;
-  SequencePlayer player{documentWithPingAt(700), [this] { return nowMs; }};
+  SequencePlayer player{documentOf({700}), [this] { return nowMs; }};
 
   [[nodiscard]] State state() const { return {player.isPlaying(), player.elapsedMs()}; }
   State stateAfter(double ms) {
@@ -36,13 +33,17 @@ TEST_F(PlayerTest, aRunMeasuresTheClockAndEndsFinished) {
   player.play();
   EXPECT_EQ(state(), State(true, 0));
   EXPECT_EQ(stateAfter(1234.5), State(true, 1234.5));
-  player.setDocument(documentWithPingAt(60000));  // moves no end
+  player.setDocument(documentOf({1700}));  // moves the end of the next run
   EXPECT_EQ(stateAfter(1265), State(true, 2499.5));
 
   QList<double> seen;
   QObject::connect(&player, &SequencePlayer::elapsedMsChanged, [&] { seen.append(player.elapsedMs()); });
   EXPECT_EQ(stateAfter(0.5), finished);
   EXPECT_EQ(seen, (QList<double>{2500, SequencePlayer::finishedMs}));
+
+  player.play();
+  EXPECT_EQ(stateAfter(3499.5), State(true, 3499.5));
+  EXPECT_EQ(stateAfter(0.5), finished);
 }
 
 TEST_F(PlayerTest, stoppingKeepsTheMomentAndPlayingStartsFromTheBeginning) {
@@ -60,11 +61,11 @@ TEST_F(PlayerTest, onlyChangedValuesAreAnnounced) {
   QSignalSpy documents(&player, &SequencePlayer::documentChanged);
   QSignalSpy playing(&player, &SequencePlayer::isPlayingChanged);
   player.setElapsedMs(SequencePlayer::finishedMs);
-  player.setDocument(documentWithPingAt(700));
+  player.setDocument(documentOf({700}));
   player.stop();
   EXPECT_EQ(elapsed.size() + documents.size() + playing.size(), 0);
 
-  player.setDocument(documentWithPingAt(701));
+  player.setDocument(documentOf({701}));
   player.setElapsedMs(33);
   EXPECT_EQ(elapsed.size(), 1);
   EXPECT_EQ(documents.size(), 1);
@@ -82,14 +83,28 @@ TEST_F(PlayerTest, anObserverMayStopTheRunOrStartAnotherAtItsLastTick) {
   EXPECT_EQ(stateAfter(2500), State(false, 2500));
 }
 
-TEST(SequencePlayer, ticksByItselfOnTheEventLoop) {
-  // Every look at the clock is 100 ms after the last, so the run needs few real ticks.
-  double nowMs = 0;
-  SequencePlayer player(SequenceDocument::blank(), [&nowMs] { return nowMs += 100; });
-  QSignalSpy playing(&player, &SequencePlayer::isPlayingChanged);
+TEST_F(PlayerTest, anObserverMayStopTheRunAsItBegins) {
+  for (const auto signal : {&SequencePlayer::isPlayingChanged, &SequencePlayer::elapsedMsChanged}) {
+    const auto connection = QObject::connect(&player, signal, [this] { player.stop(); });
+    player.play();
+    QObject::disconnect(connection);
+    const State stopped = state();
+    EXPECT_FALSE(stopped.first);
+    EXPECT_EQ(stateAfter(100), stopped);
+  }
+}
+
+TEST(SequencePlayer, ticksByItselfSixtyTimesASecondOfRealTime) {
+  SequencePlayer player(documentOf({-1000}));  // lasts 800 ms
+  QSignalSpy ticks(&player, &SequencePlayer::elapsedMsChanged);
+  QElapsedTimer real;
+  real.start();
   player.play();
-  ASSERT_TRUE(playing.wait(5000));
-  EXPECT_EQ(State(player.isPlaying(), player.elapsedMs()), finished);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !player.isPlaying(); }));
+  EXPECT_GE(real.elapsed(), 800);
+  // A busy machine leaves ticks out, but adds none.
+  EXPECT_GT(ticks.size(), 12);
+  EXPECT_LE(ticks.size(), real.elapsed() * 60 / 1000 + 3);
 }
 
 }  // namespace

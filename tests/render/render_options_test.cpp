@@ -1,10 +1,10 @@
 #include "render/render_options.h"
 
+#include "support/printing.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
-
-#include "support/printing.h"
 
 namespace brisklet {
 namespace {
@@ -34,6 +34,7 @@ TEST(RenderOptions, intoNamesAMovieAfterEachScene) {
   EXPECT_EQ(options.into, "out");
   EXPECT_EQ(options.jobs[0].movie, "out/one.mp4");
   EXPECT_EQ(options.jobs[1].movie, "out/two.brisklet.mp4");
+  EXPECT_EQ(parseRenderOptions({"--into", ":out", ":a.json"}).jobs[0].movie, "./:out/./:a.mp4");
 }
 
 TEST(RenderOptions, wrongUseIsNamed) {
@@ -53,6 +54,7 @@ TEST(RenderOptions, wrongUseIsNamed) {
       {{"a.json", "b.mp4", "c.mp4"}, "--into"},
       {{"a.json", ""}, "empty"},
       {{"a.json", "-"}, "standard output"},
+      {{"a.json", "--still", "-"}, "standard output"},
       {{"--into", "out"}, "at least one scene"},
       {{"--into", "out", "-"}, "\"-\""},
       {{"--into", "out", "a/x.json", "b/x.json"}, "both become"},

@@ -1,5 +1,7 @@
 #include "sound/notification_sounds.h"
 
+#include "support/documents.h"
+
 #include <gtest/gtest.h>
 
 #include <QtEndian>
@@ -11,7 +13,6 @@ namespace {
 
 using NotificationSounds::stereoPCM;
 using NotificationSounds::wav;
-using Pings = QList<std::pair<QString, double>>;
 
 constexpr qsizetype wavHeaderBytes = 44;
 
@@ -19,16 +20,6 @@ std::vector<qint16> samplesOf(const QByteArray& pcm) {
   std::vector<qint16> samples(static_cast<std::size_t>(pcm.size() / 2));
   qFromLittleEndian<qint16>(pcm.constData(), pcm.size() / 2, samples.data());
   return samples;
-}
-
-SequenceDocument documentWith(const Pings& pings) {
-  SequenceDocument document = SequenceDocument::blank();
-  for (const auto& [appId, delayMs] : pings) {
-    document.notifications.emplaceBack();
-    document.notifications.last().appId = appId;
-    document.notifications.last().delayMs = delayMs;
-  }
-  return document;
 }
 
 TEST(NotificationSounds, everyToneHasItsLengthItsNotesAndItsLevel) {
@@ -71,9 +62,7 @@ TEST(NotificationSounds, theEnvelopeRisesForTwelveMillisecondsAndFallsToItsFloor
   const std::vector<float> tone = NotificationSounds::rendered("snapchat");
   const auto level = [&tone](std::size_t index) { return std::abs(tone[index]); };
   EXPECT_FLOAT_EQ(level(265), (0.1f - 0.0001f) * static_cast<float>(265 / 44100.0 / 0.012) + 0.0001f);
-  EXPECT_LT(level(528), level(529));
   EXPECT_NEAR(level(529), 0.0999f, 0.0001f);
-  EXPECT_LT(level(530), 0.1f);
   EXPECT_GT(level(530), level(531));
   EXPECT_NEAR(level(3527), 0.0001f, 0.000001f);
 }
@@ -90,25 +79,25 @@ TEST(NotificationSounds, whatFallsOutsideTheBufferIsDropped) {
 }
 
 TEST(Soundtrack, placesEachToneAtItsLandingSampleInBothChannels) {
-  EXPECT_EQ(stereoPCM(documentWith({})), QByteArray(423360, 0));
+  EXPECT_EQ(stereoPCM(documentOf({})), QByteArray(423360, 0));
   const std::vector<qint16> tone = samplesOf(wav("snapchat").sliced(wavHeaderBytes));
   for (const auto& [atMs, landing, frames] :
        {std::tuple(1000.0, 44100u, 123479u), std::tuple(1235.0, 54463u, 133843u)}) {
     std::vector<qint16> expected(2 * frames);
     for (std::size_t i = 0; i < 2 * tone.size(); ++i) expected[2 * landing + i] = tone[i / 2];
-    EXPECT_TRUE(samplesOf(stereoPCM(documentWith({{"snapchat", atMs}}))) == expected) << atMs;
+    EXPECT_TRUE(samplesOf(stereoPCM(documentOf({{"snapchat", atMs}}))) == expected) << atMs;
   }
 }
 
 TEST(Soundtrack, overlappingTonesAddAndClipOnlyAtTheEnd) {
-  SequenceDocument two = documentWith({{"cashapp", 0}, {"cashapp", 0}});
+  SequenceDocument two = documentOf({{"cashapp", 0}, {"cashapp", 0}});
   two.notifications[1].sound = "bell.wav";
   const std::vector<qint16> track = samplesOf(stereoPCM(two));
   const std::vector<float> tone = NotificationSounds::rendered("cashapp");
   for (const std::size_t frame : {0u, 529u, 4000u, 7000u})
     EXPECT_EQ(track[2 * frame], static_cast<qint16>(2 * tone[frame] * 32767));
 
-  const auto loud = samplesOf(stereoPCM(documentWith(Pings(50, {"snapchat", 0}))));
+  const auto loud = samplesOf(stereoPCM(documentOf(QList<TestPing>(50, {"snapchat", 0}))));
   const auto [least, greatest] = std::minmax_element(loud.begin(), loud.end());
   EXPECT_EQ(*least, -32767);
   EXPECT_EQ(*greatest, 32767);
@@ -117,29 +106,18 @@ TEST(Soundtrack, overlappingTonesAddAndClipOnlyAtTheEnd) {
 TEST(Soundtrack, itsPiecesAreEqualToTheWholeToTheBit) {
   // Tones before the start, across the cuts and on top of each other, which sum up differently in another
   // order.
-  Pings pings{{"snapchat", -40}, {"cashapp", 3000}, {"youtube", -5000}};
+  QList<TestPing> pings{{"snapchat", -40}, {"cashapp", 3000}, {"youtube", -5000}};
   for (int i = 0; i < 60; ++i) pings.append({i % 2 ? "messages" : "tiktok", 3000 - 47.3 * i});
-  const SequenceDocument document = documentWith(pings);
+  const SequenceDocument document = documentOf(pings);
   const QByteArray whole = stereoPCM(document);
   const qint64 frames = NotificationSounds::soundtrackFrames(document);
   ASSERT_EQ(whole.size(), frames * 4);
-  for (const qint64 length : {qint64{1000}, qint64{4097}, qint64{70000}, frames}) {
+  for (const qint64 length : {1000, 4097, 70000}) {
     QByteArray joined;
     for (qint64 first = 0; first < frames; first += length)
       joined += stereoPCM(document, first, std::min(length, frames - first));
     EXPECT_TRUE(joined == whole) << length;
   }
-}
-
-TEST(Soundtrack, onlyWholeChunksAreWrapped) {
-  using NotificationSounds::audioSampleBuffer;
-  const QByteArray pcm(4096 * 4, 1);
-  const auto chunk = audioSampleBuffer(pcm, 4096, 8192);
-  ASSERT_TRUE(chunk);
-  EXPECT_EQ(std::tie(chunk->pcm, chunk->frames, chunk->presentationTime), std::tuple(pcm, 4096, 8192));
-  EXPECT_FALSE(audioSampleBuffer({}, 0, 0));
-  EXPECT_FALSE(audioSampleBuffer({}, 1, 0));
-  EXPECT_FALSE(audioSampleBuffer(pcm, 4097, 0));
 }
 
 }  // namespace

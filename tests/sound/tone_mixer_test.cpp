@@ -1,9 +1,9 @@
 #include "sound/tone_mixer.h"
 
-#include <gtest/gtest.h>
-
 #include "sound/notification_sound_player.h"
 #include "sound/notification_sounds.h"
+
+#include <gtest/gtest.h>
 
 namespace brisklet {
 namespace {

@@ -1,41 +1,53 @@
 #include "studio/studio_window.h"
 
-#include <gtest/gtest.h>
-
-#include <QAccessible>
-#include <QCoroTimer>
-#include <QPointer>
-#include <QTest>
-#include <chrono>
-
 #include "base/error.h"
 #include "model/catalogue.h"
-#include "studio/add_ping_button.h"
 #include "studio/alert.h"
 #include "studio/brisklet_app.h"
-#include "studio/chip.h"
-#include "studio/column_area.h"
-#include "studio/focus_mark.h"
-#include "studio/inspector_block.h"
-#include "studio/palette.h"
-#include "studio/rule.h"
+#include "studio/controls/add_ping_button.h"
+#include "studio/controls/chip.h"
+#include "studio/controls/column_area.h"
+#include "studio/controls/focus_mark.h"
+#include "studio/controls/inspector_block.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/rule.h"
+#include "studio/controls/studio_button.h"
+#include "studio/controls/studio_field.h"
+#include "studio/controls/studio_label.h"
 #include "studio/stage.h"
-#include "studio/studio_button.h"
-#include "studio/studio_field.h"
-#include "studio/studio_label.h"
 #include "studio/timeline_list.h"
 #include "studio/top_bar.h"
 #include "studio/type_chip.h"
 #include "support/printing.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QClipboard>
+#include <QCoroTimer>
+#include <QPointer>
+#include <QTest>
+#include <chrono>
 
 using namespace std::chrono_literals;
 
 namespace brisklet {
 namespace {
 
+/// Answers at once, from a window of its own.
 struct FixedPanels : FilePanels {
-  void save(const SavePanel&, Done done) override { done("/tmp/movie.mp4"); }
+  explicit FixedPanels(QWidget* window) : over(window) {}
+  void save(const SavePanel&, Done done) override {
+    QWidget panel;
+    panel.show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&panel));
+    done("/tmp/movie.mp4");
+    over->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(over));
+  }
   void open(const OpenPanel&, Done done) override { done({}); }
+
+  QWidget* over;
 };
 
 struct StudioWindowTest : testing::Test {
@@ -43,7 +55,7 @@ struct StudioWindowTest : testing::Test {
     StudioView::Services services;
     services.exportMovie = [this](SequenceDocument, QString, StudioView::Progress progress,
                                   std::stop_token stop) { return runExport(progress, stop); };
-    window = new StudioWindow(services, [](QWidget*) { return std::make_unique<FixedPanels>(); });
+    window = new StudioWindow(services, [](QWidget* over) { return std::make_unique<FixedPanels>(over); });
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resize(StudioWindow::defaultSize);
     window->show();
@@ -165,8 +177,17 @@ TEST_F(StudioWindowTest, whatIsSelectedAndWhatIsOfNoUseIsSeen) {
   EXPECT_NE(leftEdge(chip("Two"), 1), Studio::line);
   EXPECT_FALSE(button("Play")->isEnabled() || button("Export")->isEnabled());
   EXPECT_TRUE(button("New")->isEnabled());
-  // Ink at 40 % on white.
+  // Ink at 40 % on white, and the title as pale on it.
   EXPECT_NEAR(leftEdge(button("Export"), 4).red(), 255 - 0.4 * (255 - 17), 1);
+  const auto brightest = [](QWidget* control) {
+    const QImage inside = control->grab(control->rect().adjusted(8, 8, -8, -8)).toImage();
+    int most = 0;
+    for (int i = 0; i < inside.width() * inside.height(); ++i)
+      most = std::max(most, qRed(inside.pixel(i % inside.width(), i / inside.width())));
+    return most;
+  };
+  EXPECT_NEAR(brightest(button("Export")), 190, 12);
+  EXPECT_GT(brightest(chip("Video like")), 200) << "The chosen type is white on ink.";
 }
 
 TEST_F(StudioWindowTest, chipsCommandAndFollow) {
@@ -211,6 +232,12 @@ TEST_F(StudioWindowTest, fieldsFollowTheTypistKeepTheirHistoryAndTidyUpAfterward
   EXPECT_EQ(sender->cursorPosition(), 2);
   key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(view().draftTitle(), "@maya");
+  QApplication::clipboard()->setText("a\r\nb\u2028c\td" + QString(90, u'w'));
+  key(Qt::Key_A, Qt::ControlModifier);
+  key(Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(view().draftTitle(), "a  b c d" + QString(90, u'w')) << "as it is seen in one line";
+  window->setFocus();
+  EXPECT_EQ(sender->cursorPosition(), 0) << "A field that is left shows its beginning.";
 
   addPings(1);
   clickRow(0);
@@ -258,6 +285,9 @@ TEST_F(StudioWindowTest, arrowsWalkAGridAndKeysPress) {
   the<AddPingButton>()->setFocus();
   key(Qt::Key_Return);
   EXPECT_EQ(view().document().notifications.size(), 1);
+  named<QAbstractButton>("Minimise")->setFocus(Qt::TabFocusReason);
+  key(Qt::Key_Space);
+  EXPECT_TRUE(window->isMinimized());
 }
 
 TEST_F(StudioWindowTest, pointerLeavesNoFocusMark) {
@@ -294,6 +324,13 @@ TEST_F(StudioWindowTest, keysWorkTheTimeline) {
   EXPECT_EQ(list->rowOf(second), -1);
   EXPECT_EQ(list->rowOf(third), 1);
   EXPECT_EQ(list->currentRow(), 1);
+  QKeyEvent held(QEvent::KeyPress, Qt::Key_Delete, {}, {}, true);
+  QApplication::sendEvent(list, &held);
+  EXPECT_EQ(list->rowCount(), 39) << "A key that is held removes one.";
+  for (int i = 0; i < 40; ++i) key(Qt::Key_Delete);
+  EXPECT_EQ(list->rowCount(), 0);
+  EXPECT_TRUE(the<AddPingButton>()->hasFocus() && isMarked(the<AddPingButton>()));
+  EXPECT_EQ(view().document().title, "Untitled");
 }
 
 TEST_F(StudioWindowTest, removeButtonIsNoTapOnItsRow) {
@@ -330,6 +367,10 @@ TEST(TimelineListTest, rowsOfThousandsKeepTheirOrderAndHeights) {
   pings[500].message = "a message that is long enough for a second line";
   expectGapless(pings[500].id);
   EXPECT_EQ(list.rowRect(500).height(), height + 15);
+  const QImage row = list.grab(list.rowRect(500)).toImage();
+  pings[500].delayMs = 1500;
+  expectGapless(pings[500].id);
+  EXPECT_NE(list.grab(list.rowRect(500)).toImage(), row) << "It shows its new time.";
   pings.removeAt(0);
   pings.swapItemsAt(3, 900);
   pings.append(pings[3]);
@@ -350,6 +391,12 @@ TEST_F(StudioWindowTest, everyControlHasARoleANameAndAState) {
   expect(button("Export"), QAccessible::Button, "Export");
   expect(field("Sender"), QAccessible::EditableText, "Sender");
   expect(the<StudioLabel>(), QAccessible::StaticText, "Lock screen");
+  expect(window, QAccessible::Window, window->windowTitle());
+  expect(chip("One")->parentWidget(), QAccessible::Grouping, "Lock screen");
+  expect(the<Stage>(), QAccessible::Graphic, "Lock screen");
+  EXPECT_EQ(accessible(the<Stage>())->text(QAccessible::Description), "TikTok: @maya, liked your video.");
+  accessible(field("Sender"))->setText(QAccessible::Value, "dictated");
+  EXPECT_EQ(view().senderText(), "dictated");
   EXPECT_TRUE(accessible(chip("One"))->state().checked);
   EXPECT_FALSE(accessible(chip("Two"))->state().checked);
   EXPECT_EQ(chip("Upload lock screen photo")->toolTip(), "Upload photo");
@@ -360,7 +407,7 @@ TEST_F(StudioWindowTest, everyControlHasARoleANameAndAState) {
   ASSERT_EQ(list->childCount(), 1);
   QAccessibleInterface* row = list->child(0);
   EXPECT_EQ(row->role(), QAccessible::ListItem);
-  EXPECT_EQ(row->text(QAccessible::Name), "Ping 1, @maya");
+  EXPECT_EQ(row->text(QAccessible::Name), "Ping 1, dictated");
   EXPECT_TRUE(row->state().selected);
   EXPECT_EQ(list->indexOfChild(row), 0);
   row->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
@@ -372,12 +419,14 @@ TEST_F(StudioWindowTest, everyControlHasARoleANameAndAState) {
 
 TEST_F(StudioWindowTest, exportIsSeenOnTheRuleAndItsFailureInAnAlert) {
   addPings(1);
-  press(button("Export"));
+  button("Export")->setFocus(Qt::TabFocusReason);
+  key(Qt::Key_Space);
   StudioButton* exporting = button("Exporting");
   ASSERT_TRUE(exporting);
   EXPECT_FALSE(exporting->isEnabled());
   EXPECT_TRUE(exporting->toolTip().contains("42%"));
-  EXPECT_TRUE(accessible(exporting)->text(QAccessible::Description).contains("42%"));
+  EXPECT_EQ(accessible(the<Rule>())->role(), QAccessible::ProgressBar);
+  EXPECT_EQ(accessible(the<Rule>())->valueInterface()->currentValue(), 42);
   const int done = 1320 * 42 / 100;
   EXPECT_EQ(pixel({done - 2, 52}), Studio::ink);
   EXPECT_EQ(pixel({done + 2, 52}), Studio::line);
@@ -391,11 +440,14 @@ TEST_F(StudioWindowTest, exportIsSeenOnTheRuleAndItsFailureInAnAlert) {
   EXPECT_EQ(accessible(alert)->text(QAccessible::Description), exportFailure);
   // The window behind takes no input meanwhile.
   key(Qt::Key_Tab);
+  window->resize(1320, 861);  // which raises the window's edges
+  QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, {1, 400});
   EXPECT_EQ(QApplication::focusWidget(), button("OK"));
   EXPECT_EQ(window->childAt(place(the<AddPingButton>()).center()), alert);
   key(Qt::Key_Return);
   EXPECT_FALSE(alert->isOpen());
   EXPECT_TRUE(view().error().isEmpty());
+  EXPECT_TRUE(button("Export")->hasFocus() && isMarked(button("Export"))) << "Where the keyboard was.";
   EXPECT_TRUE(button("Export")->toolTip().isEmpty());
   EXPECT_EQ(pixel({10, 52}), Studio::line);
 }
@@ -404,12 +456,16 @@ TEST_F(StudioWindowTest, closingDuringAnExportAsksFirst) {
   Alert* alert = the<Alert>();
   addPings(1);
   press(button("Export"));
+  field("Sender")->setFocus();
+  field("Sender")->setCursorPosition(3);
   EXPECT_FALSE(window->close());
-  EXPECT_TRUE(alert->isOpen());
-  EXPECT_EQ(alert->accessibleName(), "Stop the export?");
+  key(Qt::Key_Tab);
+  EXPECT_TRUE(isMarked(button("Stop")));
   key(Qt::Key_Escape);
   EXPECT_FALSE(alert->isOpen());
   EXPECT_TRUE(view().exporting());
+  EXPECT_EQ(field("Sender")->cursorPosition(), 3) << "Who was typing goes on.";
+  EXPECT_TRUE(field("Sender")->hasFocus());
 
   // An export that fails while the question is asked answers it.
   EXPECT_FALSE(window->close());
@@ -423,7 +479,9 @@ TEST_F(StudioWindowTest, closingDuringAnExportAsksFirst) {
   exportEnds = false;
   press(button("Export"));
   EXPECT_FALSE(window->close());
-  press(button("Stop"));
+  EXPECT_EQ(alert->accessibleName(), "Stop the export?");
+  key(Qt::Key_Tab);
+  key(Qt::Key_Space);
   EXPECT_TRUE(QTest::qWaitFor([this] { return window.isNull(); }));
 }
 
@@ -451,7 +509,7 @@ TEST_F(StudioWindowTest, newSequenceIsShownWithItsPlayer) {
 }
 
 TEST(BriskletAppTest, windowsAreIndependentAndCloseOneByOne) {
-  BriskletApp app({}, [](QWidget*) { return std::make_unique<FixedPanels>(); });
+  BriskletApp app({}, [](QWidget* over) { return std::make_unique<FixedPanels>(over); });
   QPointer<StudioWindow> first = app.openWindow(), second;
   const auto press = [](QPointer<StudioWindow>& window, Qt::Key key) {
     window->activateWindow();

@@ -24,7 +24,7 @@ struct DecodedPicture {
   bool operator==(const DecodedPicture&) const = default;
 };
 
-/// A movie file, read and decoded by libav.
+/// A movie file, read by ffprobe and decoded by ffmpeg.
 struct DecodedMovie {
   struct Frame {
     /// In units of 1 / 30 s; -1 if the time is no whole number of them.
@@ -32,7 +32,6 @@ struct DecodedMovie {
     bool isKey = false;
     /// Index into `pictures`; frames in a row that decode to equal pictures share one.
     std::size_t picture = 0;
-    qint64 bytes = 0;
   };
   std::vector<Frame> frames;
   std::vector<DecodedPicture> pictures;
@@ -41,7 +40,6 @@ struct DecodedMovie {
   int height = 0;
   QString videoCodec;  // "h264"
   QString profile;     // "High"
-  int level = 0;       // 50 is 5.0
   /// Format, range, primaries, transfer and matrix: "yuv420p tv bt709 bt709 bt709".
   QString colour;
   /// The same as far as the container says it on its own: primaries, transfer, matrix, full range (`colr`).
@@ -69,11 +67,11 @@ struct DecodedMovie {
   }
 };
 
-/// Throws `std::runtime_error` for anything that a strict decoder objects to.
+/// Throws `std::runtime_error` for anything that they object to.
 [[nodiscard]] DecodedMovie decodedMovie(const QString& path, int decoderThreads = 1);
 
 /// The picture that a player shows first after seeking to a time.
-[[nodiscard]] DecodedPicture pictureAfterSeek(const QString& path, double seconds);
+[[nodiscard]] DecodedPicture pictureAfterSeek(const QString& path, const QSize& size, double seconds);
 
 /// The peak signal-to-noise ratio of the luma, in dB, against the picture that was painted; 100 if equal.
 [[nodiscard]] double lumaPsnr(const DecodedPicture& decoded, const QImage& painted);

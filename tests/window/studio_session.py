@@ -1,14 +1,30 @@
 """The studio on a display of its own, worked with pointer and keys as a person would."""
 
+import json
 import os
 import shutil
 import signal
-import socket
 import subprocess
 import tempfile
 import time
 
-NEEDED_TOOLS = ("Xvfb", "xdotool", "import", "convert")
+NEEDED_TOOLS = ("Xvfb", "xdotool", "import", "convert", "dbus-daemon")
+
+# The one that distributions package the library for assistive technology for.
+SYSTEMS_PYTHON = "/usr/bin/python3"
+
+# A session bus on which nobody lives but the service that controls are found by.
+BUS = """<busconfig>
+  <type>session</type>
+  <listen>unix:path=%s</listen>
+  <servicedir>%s</servicedir>
+  <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy>
+</busconfig>"""
+
+# Stands in for the desktop's opener: it writes down what it is to open.
+OPENER = """#!/bin/sh
+echo "$1" >>"$HOME/opened"
+"""
 
 
 class Screen:
@@ -27,34 +43,38 @@ class Screen:
 
 
 class StudioSession:
-    """Starts the program in an empty home, without a sound server and with no session bus, or one that never answers.
+    """Starts the program in an empty home and on a bus of its own, without a sound server or a file manager.
 
     Coordinates are points of the studio's window.
     """
 
-    def __init__(self, program, size=(1400, 950), scale=1, window_manager="openbox", silent_bus=False):
-        self.silent_bus = socket.socket(socket.AF_UNIX) if silent_bus else None
+    def __init__(self, program, size=(1400, 950), scale=1, window_manager="openbox"):
         self.program, self.size, self.scale, self.window_manager = program, size, scale, window_manager
         self.processes = []
 
     def __enter__(self):
         self.home = tempfile.mkdtemp(prefix="brisklet-window-")
-        runtime = os.path.join(self.home, "runtime")
-        os.mkdir(runtime, 0o700)
-        self.environment = {
-            key: value for key, value in os.environ.items()
-            if key not in ("DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY") and not key.startswith(("QT_", "XDG_"))
-        }
+        runtime, tools, services = (os.path.join(self.home, name) for name in ("runtime", "bin", "services"))
+        for folder in (runtime, tools, services):
+            os.mkdir(folder, 0o700)
+        opener = os.path.join(tools, "xdg-open")
+        self.write(opener, OPENER)
+        os.chmod(opener, 0o755)
+        bus, bus_settings = os.path.join(runtime, "bus"), os.path.join(self.home, "bus.conf")
+        self.write(bus_settings, BUS % (bus, services))
+        shutil.copy("/usr/share/dbus-1/services/org.a11y.Bus.service", services)
+
+        self.environment = {key: value for key, value in os.environ.items()
+                            if key != "WAYLAND_DISPLAY" and not key.startswith(("QT_", "XDG_", "AT_SPI"))}
         self.environment.update(
-            HOME=self.home, XDG_RUNTIME_DIR=runtime, QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR=str(self.scale),
+            HOME=self.home, XDG_RUNTIME_DIR=runtime, PATH=tools + ":" + os.environ["PATH"],
+            DBUS_SESSION_BUS_ADDRESS="unix:path=" + bus, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+            QT_QPA_PLATFORM="xcb", QT_SCALE_FACTOR=str(self.scale),
             PULSE_SERVER="unix:" + os.path.join(runtime, "none"))
-        if self.silent_bus:
-            bus = os.path.join(runtime, "bus")
-            self.silent_bus.bind(bus)
-            self.silent_bus.listen()
-            self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus
         try:
             self.start_display()
+            self.start(["dbus-daemon", "--nofork", "--config-file=" + bus_settings], stderr=subprocess.DEVNULL)
+            self.wait(lambda: os.path.exists(bus), "The bus starts.")
             if self.window_manager:
                 self.start([self.window_manager, "--sm-disable"], stderr=subprocess.DEVNULL)
                 self.wait(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in self.output(
@@ -79,6 +99,32 @@ class StudioSession:
             except subprocess.TimeoutExpired:
                 process.kill()
         shutil.rmtree(self.home, ignore_errors=True)
+
+    @staticmethod
+    def write(path, text):
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+
+    def opened(self):
+        """What the desktop was asked to open."""
+        path = os.path.join(self.home, "opened")
+        return open(path, encoding="utf-8").read().split() if os.path.exists(path) else []
+
+    def controls(self, name=None, role=None, parent=None):
+        """What assistive technology sees, outermost first: all, or those of a name, a role, within a parent of a name."""
+        script = os.path.join(os.path.dirname(os.path.abspath(__file__)), "accessible_controls.py")
+        found = json.loads(self.output(SYSTEMS_PYTHON, "-B", script) or "[]")
+        return [each for each in found if "showing" in each["states"] and name in (None, each["name"])
+                and role in (None, each["role"]) and parent in (None, each["parent"])]
+
+    def control(self, name=None, role=None, parent=None):
+        return self.wait(lambda: self.controls(name, role, parent), "There is %s %s" % (role or "a control", name))[-1]
+
+    def click_on(self, name=None, role=None, parent=None, times=1):
+        """Scrolls no column: what is to be clicked is in view."""
+        x, y, width, height = self.control(name, role, parent)["place"]
+        left, top = self.geometry()[:2]
+        self.click((x + width / 2 - left) / self.scale, (y + height / 2 - top) / self.scale, times)
 
     def start(self, command, **options):
         process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, **options)
@@ -112,7 +158,7 @@ class StudioSession:
         return self.output("xdotool", "search", "--onlyvisible", "--class", "brisklet").split()
 
     def wait_for_dialog(self, title):
-        self.wait(lambda: self.output("xdotool", "search", "--onlyvisible", "--name", title), title)
+        self.wait(lambda: self.output("xdotool", "search", "--onlyvisible", "--name", "^%s$" % title), title)
         time.sleep(0.5)  # until it has the keyboard
 
     def geometry(self):

@@ -10,43 +10,39 @@ import time
 
 from studio_session import StudioSession
 
-# Centres of the app chips and of the message templates' columns, and the height of the first template row.
-APPS = {"tiktok": 36, "instagram": 79, "messages": 122, "snapchat": 166, "cashapp": 209}
-APP_ROW, TYPE_COLUMNS, TYPE_ROW, TYPE_PITCH = 219, (80, 209), 312, 34
-
-# App, template (column, row), rows of templates, sender, text.
+# App, template, sender, text.
 PINGS = [
-    ("messages", (0, 0), 2, "Mom", "did you see this??"),
-    ("tiktok", (0, 0), 3, "@maya", None),
-    ("instagram", (1, 1), 4, "jordan", None),
-    ("cashapp", (0, 0), 1, "Alex", None),
-    ("tiktok", (1, 2), 3, None, None),
+    ("Messages", "Text", "Mom", "did you see this??"),
+    ("TikTok", "Video like", "@maya", None),
+    ("Instagram", "Comment", "jordan", None),
+    ("Cash App", "Payment", "Alex", None),
+    ("TikTok", "Going viral", None, None),
 ]
 
 
-def compose(studio):
-    for app, (column, row), rows, sender, text in PINGS:
-        studio.click(APPS[app], APP_ROW)
-        studio.click(TYPE_COLUMNS[column], TYPE_ROW + row * TYPE_PITCH)
-        below_types = 412 + (rows - 3) * TYPE_PITCH
-        for words, y in ((sender, below_types + 43 + 38), (text, below_types + 43 + 65 + 38)):
-            if words:
-                studio.click(144, y)
-                studio.key("ctrl+a")
-                studio.type(words)
-        studio.click(144, below_types + 43 + 130 + 17)
-    studio.click(120, 26)
+def fill(studio, field, words):
+    studio.click_on(field, "text")
     studio.key("ctrl+a")
-    studio.type("The day it went viral")
+    studio.type(words)
+
+
+def compose(studio):
+    for app, template, sender, text in PINGS:
+        studio.click_on(app, parent="App")
+        studio.click_on(template, parent="Type")
+        for field, words in (("Sender", sender), ("Text", text)):
+            if words:
+                fill(studio, field, words)
+        studio.click_on("Add ping")
+    fill(studio, "Title", "The day it went viral")
     studio.key("Return", "Escape")
-    studio.move(660, 840)
 
 
 def main():
     program, path = sys.argv[1:]
     with StudioSession(os.path.abspath(program)) as studio:
         compose(studio)
-        studio.click(1150, 97 + 43 + 2 * 76)
+        studio.click_on("Ping 3, jordan")
         studio.move(660, 840)
         time.sleep(1.5)
         studio.save(path)

@@ -1,12 +1,12 @@
 #include "backdrops.h"
 
+#include "model/catalogue.h"
+
 #include <QDir>
 #include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QRandomGenerator>
-
-#include "model/catalogue.h"
 
 using namespace Qt::StringLiterals;
 

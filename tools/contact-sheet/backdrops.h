@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/sequence_document.h"
+
 #include <QList>
 #include <QString>
-
-#include "model/sequence_document.h"
 
 namespace brisklet {
 

@@ -1,3 +1,24 @@
+#include "backdrops.h"
+#include "desktop/file_panels.h"
+#include "model/catalogue.h"
+#include "sheet.h"
+#include "sheets.h"
+#include "studio/alert.h"
+#include "studio/app_chip.h"
+#include "studio/controls/add_ping_button.h"
+#include "studio/controls/column_area.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/rule.h"
+#include "studio/controls/studio_button.h"
+#include "studio/controls/studio_field.h"
+#include "studio/controls/window_button.h"
+#include "studio/custom_chip.h"
+#include "studio/studio_window.h"
+#include "studio/timeline_list.h"
+#include "studio/top_bar.h"
+#include "studio/type_chip.h"
+#include "studio/wallpaper_chip.h"
+
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -11,28 +32,6 @@
 #include <functional>
 #include <memory>
 #include <utility>
-
-#include "backdrops.h"
-#include "model/catalogue.h"
-#include "platform/file_panels.h"
-#include "sheet.h"
-#include "sheets.h"
-#include "studio/add_ping_button.h"
-#include "studio/alert.h"
-#include "studio/app_chip.h"
-#include "studio/custom_app_chip.h"
-#include "studio/custom_wallpaper_chip.h"
-#include "studio/palette.h"
-#include "studio/rule.h"
-#include "studio/slim_scroll_bar.h"
-#include "studio/studio_button.h"
-#include "studio/studio_field.h"
-#include "studio/studio_window.h"
-#include "studio/timeline_list.h"
-#include "studio/top_bar.h"
-#include "studio/type_chip.h"
-#include "studio/wallpaper_chip.h"
-#include "studio/window_button.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -154,13 +153,16 @@ void addButtons(Sheet& sheet) {
        chips,
        [] { return new TypeChip(PingType::types(u"instagram"_s).at(1)); }},
       {u"WallpaperChip"_s, Studio::paper, {44, 44}, chips, [] { return new WallpaperChip(u"one"_s, {}); }},
-      {u"CustomWallpaperChip"_s, Studio::paper, {44, 44}, chips, [] { return new CustomWallpaperChip; }},
+      {u"CustomChip"_s,
+       Studio::paper,
+       {44, 44},
+       chips,
+       [] { return new CustomChip(WallpaperChip::radius, {}); }},
       {u"AppChip"_s,
        Studio::paper,
        {36, 36},
        chips,
        [] { return new AppChip(AppPreset::named(u"instagram"_s)); }},
-      {u"CustomAppChip"_s, Studio::paper, {36, 36}, chips, [] { return new CustomAppChip; }},
   };
   for (const Row& row : rows) {
     sheet.startRow(row.heading);
@@ -184,7 +186,7 @@ void addFields(Sheet& sheet) {
         Case{u"empty"_s, {}}, Case{u"focused"_s, u"Mom gjpqy"_s, true}, Case{u"empty, focused"_s, {}, true},
         Case{u"all selected"_s, u"are you awake"_s, true, true},
         Case{u"long"_s, u"A text that is far too long for the field, and goes on"_s},
-        Case{u"right to left"_s, u"رسالة طويلة جدا"_s},
+        Case{u"right to left"_s, u"رسالة طويلة جدا, and then to the right"_s},
         Case{u"scripts"_s, u"ÅÉ 渋谷 ที่นี่ 🥹🔥 हिन्दी"_s}}) {
     auto* field = new StudioField(u"Sender"_s);
     Host host(field, {252, field->sizeHint().height()}, Studio::paper);
@@ -237,16 +239,21 @@ void addTimelineRows(Sheet& sheet) {
 }
 
 void addScrollBars(Sheet& sheet) {
-  sheet.startRow(u"SlimScrollBar"_s);
+  sheet.startRow(u"ColumnArea"_s);
   for (const State& state : {rest, hovered, pressed}) {
-    QScrollBar bar;
-    bar.setRange(0, 200);
-    bar.setPageStep(100);
-    bar.setValue(60);
-    auto* slim = new SlimScrollBar(&bar, nullptr);
-    Host host(slim, {SlimScrollBar::barWidth, 120}, Studio::paper);
-    slim->setAttribute(Qt::WA_UnderMouse, state.isHovered);
-    if (state.isPressed) sendMouse(slim, QEvent::MouseButtonPress, {6, 45});
+    auto* content = new QWidget;
+    content->setFixedHeight(360);
+    auto* area = new ColumnArea(content);
+    Host host(area, {60, 120}, Studio::paper);
+    area->reveal({0, 200, 10, 10});
+    waitFor(200ms);
+    QScrollBar* bar = area->verticalScrollBar();
+    if (state.isHovered) {
+      QHoverEvent hover(QEvent::HoverEnter, {6, 60}, bar->mapToGlobal(QPointF(6, 60)), {-1, -1});
+      QApplication::sendEvent(bar, &hover);
+      bar->setAttribute(Qt::WA_UnderMouse);
+    }
+    if (state.isPressed) sendMouse(bar, QEvent::MouseButtonPress, {6, 60});
     sheet.add(host.picture(2), state.name);
   }
 }
@@ -256,6 +263,9 @@ void addAlerts(Sheet& sheet) {
                                 .message = u"The movie is not finished yet."_s,
                                 .confirm = u"Stop"_s,
                                 .cancel = u"Keep Exporting"_s};
+  const auto told = [](const QString& message) {
+    return Alert::Content{u"Something went wrong"_s, message, {}, u"OK"_s};
+  };
   const QString sentence = u"The movie could not be written. No space left on device. "_s;
   struct Case {
     QString caption;
@@ -270,16 +280,8 @@ void addAlerts(Sheet& sheet) {
                         Case{u"cancel hovered"_s, question, u"Keep Exporting", hovered},
                         Case{u"cancel pressed"_s, question, u"Keep Exporting", pressed},
                         Case{u"cancel focused"_s, question, u"Keep Exporting", focused},
-                        Case{u"only telling"_s,
-                             {.title = u"Something went wrong"_s,
-                             .message = u"Could not open that photo."_s,
-                             .confirm = {},
-                             .cancel = u"OK"_s}},
-                        Case{u"long"_s,
-                             {.title = u"Something went wrong"_s,
-                             .message = sentence.repeated(4),
-                             .confirm = {},
-                             .cancel = u"OK"_s}}}) {
+                        Case{u"only telling"_s, told(u"Could not open that photo."_s)},
+                        Case{u"long"_s, told(sentence.repeated(4))}}) {
     QWidget room;
     room.resize(388, 280);
     room.show();

@@ -1,14 +1,14 @@
+#include "backdrops.h"
+#include "drawing/symbol_image.h"
+#include "drawing/text_line.h"
+#include "lockscreen/app_glyph.h"
+#include "lockscreen/bundle_image.h"
+#include "sheet.h"
+#include "sheets.h"
+
 #include <QIcon>
 #include <QPainter>
 #include <cmath>
-
-#include "backdrops.h"
-#include "lockscreen/app_glyph.h"
-#include "lockscreen/bundle_image.h"
-#include "platform/symbol_image.h"
-#include "platform/text_line.h"
-#include "sheet.h"
-#include "sheets.h"
 
 using namespace Qt::StringLiterals;
 

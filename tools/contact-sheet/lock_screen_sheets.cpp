@@ -1,14 +1,14 @@
-#include <QPainter>
-#include <algorithm>
-#include <cmath>
-
 #include "backdrops.h"
+#include "drawing/continuous_corners.h"
 #include "lockscreen/lock_glass.h"
 #include "lockscreen/lock_screen_view.h"
 #include "model/catalogue.h"
-#include "platform/continuous_corners.h"
 #include "sheet.h"
 #include "sheets.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -16,9 +16,9 @@ namespace brisklet {
 
 namespace {
 
-QImage lockScreen(const SequenceDocument& document, CaptureMode mode, double scale) {
+QImage lockScreen(const SequenceDocument& document, Rendering rendering, double scale) {
   const SequencePlayer player(document);
-  const LockScreenView view{document, player, mode};
+  const LockScreenView view{document, player, rendering};
   LockScreenCache cache;
   return view.picture(cache, view.restingCards(), scale);
 }
@@ -83,8 +83,8 @@ double leastContrastBeside(const QImage& picture, const QRect& within, double op
 struct BareContrast {
   double status, date, time;
 };
-BareContrast bareContrast(const SequenceDocument& document, CaptureMode mode, double scale) {
-  const QImage picture = lockScreen(document, mode, scale);
+BareContrast bareContrast(const SequenceDocument& document, Rendering rendering, double scale) {
+  const QImage picture = lockScreen(document, rendering, scale);
   const LockScreenLayout layout = lockScreenLayout(document, 0);
   const auto least = [&](const QRectF& points, double opacity) {
     return leastContrastBeside(picture, QRectF(points.topLeft() * scale, points.size() * scale).toRect(),
@@ -99,10 +99,10 @@ BareContrast bareContrast(const SequenceDocument& document, CaptureMode mode, do
 struct PlateContrast {
   double title = 21, message = 21, time = 21, orb = 21;
 };
-PlateContrast plateContrast(SequenceDocument document, CaptureMode mode, double scale) {
+PlateContrast plateContrast(SequenceDocument document, Rendering rendering, double scale) {
   document.notifications.clear();
   for (int i = 0; i < 5; ++i) document.notifications.append(pingOf(u"none"_s, {}, {}));
-  const QImage picture = lockScreen(document, mode, scale);
+  const QImage picture = lockScreen(document, rendering, scale);
   const LockScreenLayout layout = lockScreenLayout(document, 5);
   const auto within = [&](const QRectF& points) {
     return QRectF(points.topLeft() * scale, points.size() * scale).toRect();
@@ -148,11 +148,11 @@ QImage wallpaperSheet(const QString&) {
       const SequenceDocument document = documentOn({{}, wallpaper.id, {}}, cards);
       QString caption = u"%1, %2 cards"_s.arg(wallpaper.label).arg(cards);
       if (cards == 0) {
-        const BareContrast least = bareContrast(document, CaptureMode::Capture, captureScale);
+        const BareContrast least = bareContrast(document, Rendering::Movie, captureScale);
         caption += u": status %1, date %2, clock %3"_s.arg(number(least.status), number(least.date),
                                                            number(least.time));
       }
-      sheet.add(lockScreen(document, CaptureMode::Capture, 1), caption);
+      sheet.add(lockScreen(document, Rendering::Movie, 1), caption);
     }
   }
   return sheet.image();
@@ -161,14 +161,15 @@ QImage wallpaperSheet(const QString&) {
 QImage glassSheet(const QString& scratch) {
   const QList<Backdrop> backdrops = hardBackdrops(scratch);
   Sheet sheet(int(backdrops.size()));
-  for (const CaptureMode mode : {CaptureMode::Capture, CaptureMode::Live}) {
-    sheet.startRow(mode == CaptureMode::Capture ? u"Captured: material"_s : u"Live: glass"_s);
+  for (const Rendering rendering : {Rendering::Movie, Rendering::Live}) {
+    sheet.startRow(rendering == Rendering::Movie ? u"Captured: material"_s : u"Live: glass"_s);
     for (const Backdrop& backdrop : backdrops) {
       const SequenceDocument document = documentOn(backdrop, 5);
-      const PlateContrast least = plateContrast(document, mode, captureScale);
-      sheet.add(lockScreen(document, mode, 1), u"%1: title %2, message %3, time %4, orb %5"_s.arg(
-                                                   backdrop.name, number(least.title), number(least.message),
-                                                   number(least.time), number(least.orb)));
+      const PlateContrast least = plateContrast(document, rendering, captureScale);
+      sheet.add(lockScreen(document, rendering, 1),
+                u"%1: title %2, message %3, time %4, orb %5"_s.arg(backdrop.name, number(least.title),
+                                                                   number(least.message), number(least.time),
+                                                                   number(least.orb)));
     }
   }
   return sheet.image();
@@ -182,9 +183,9 @@ QImage rimSheet(const QString& scratch) {
     const QRectF card = layout.card(0), orb = layout.torchOrb.rect;
     const QRectF leftEnd(card.left() - 12, card.top() - 14, 150, 124);
     const QRectF around = orb.adjusted(-16, -16, 16, 20);
-    for (const CaptureMode mode : {CaptureMode::Capture, CaptureMode::Live}) {
-      const QString name = backdrop.name + (mode == CaptureMode::Capture ? u", captured"_s : u", live"_s);
-      const QImage picture = lockScreen(document, mode, 3);
+    for (const Rendering rendering : {Rendering::Movie, Rendering::Live}) {
+      const QString name = backdrop.name + (rendering == Rendering::Movie ? u", captured"_s : u", live"_s);
+      const QImage picture = lockScreen(document, rendering, 3);
       sheet.add(part(picture, leftEnd, 3), name);
       sheet.add(part(picture, around, 3), name);
     }
@@ -256,7 +257,7 @@ QImage scriptSheet(const QString&) {
             u"🎧 music"_s, u"😂😂😂😂😂😂😂😂😂😂😂😂😂😂😂"_s,
             u"👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨👩‍❤️‍💋‍👨"_s),
         generic(u"♥"_s, u"#c62828"_s, u"♥ ☺ ★ ✉ ♪ ◎ ●"_s,
-                u"text ♥︎ and emoji ♥️, ☀︎ ☀️, ™ © ®"_s),
+                u"text ♥︎ and emoji ♥️, ☀︎ ☀️, ™ © ®, each as it was typed"_s),
         custom(QString(), QString(), QString()),
         generic(QString(), u"#38c976"_s, u"A title far too long for the room beside its time label"_s,
                 u"A message far too long for one line, which ends in an ellipsis before the rim"_s)}},
@@ -267,7 +268,7 @@ QImage scriptSheet(const QString&) {
     document.dateLabel = screen.dateLabel;
     document.timeLabel = screen.timeLabel;
     document.notifications = screen.pings;
-    const QImage picture = lockScreen(document, CaptureMode::Capture, 2);
+    const QImage picture = lockScreen(document, Rendering::Movie, 2);
     sheet.add(part(picture, {0, 0, LockScreenMetrics::canvasWidth, cardAreaWithRoom(5).bottom()}, 2),
               screen.dateLabel);
   }
@@ -280,7 +281,7 @@ QImage arrivalSheet(const QString&) {
   for (qsizetype i = 0; i < document.notifications.size(); ++i)
     document.notifications[i].delayMs = 1000.0 * double(i);
   const SequencePlayer player(document);
-  const LockScreenView view{document, player, CaptureMode::Live};
+  const LockScreenView view{document, player, Rendering::Live};
   CardStackAnimation animation;
   animation.reset(document.visiblePings(4500));
   animation.update(document.visiblePings(5000), 0);

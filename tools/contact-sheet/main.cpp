@@ -1,10 +1,10 @@
+#include "sheets.h"
+#include "studio/brisklet_app.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTextStream>
-
-#include "sheets.h"
-#include "studio/brisklet_app.h"
 
 using namespace brisklet;
 

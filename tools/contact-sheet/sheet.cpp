@@ -1,9 +1,9 @@
 #include "sheet.h"
 
+#include "drawing/text_line.h"
+
 #include <QPainter>
 #include <algorithm>
-
-#include "platform/text_line.h"
 
 namespace brisklet {
 

@@ -16,16 +16,29 @@ float eased(float t) {
   return t * t * t * (t * (t * 6 - 15) + 10);
 }
 
+// A hash takes in one coordinate after the other, so that the corners of a cell share the first ones.
+std::uint32_t begun(std::uint32_t seed) {
+  return seed * 0x9e3779b9u;
+}
+std::uint32_t stirred(std::uint32_t h, int coordinate) {
+  h = (h ^ static_cast<std::uint32_t>(coordinate)) * 0x85ebca6bu;
+  return h ^ (h >> 15);
+}
+std::uint32_t finished(std::uint32_t h) {
+  h *= 0xc2b2ae35u;
+  return h ^ (h >> 16);
+}
+
+/// Without the call that `std::floor` is on plain x86.
+int floored(float v) {
+  const int whole = static_cast<int>(v);
+  return whole - (v < static_cast<float>(whole) ? 1 : 0);
+}
+
 }  // namespace
 
 std::uint32_t hashed(int x, int y, int z, std::uint32_t seed) {
-  std::uint32_t h = seed * 0x9e3779b9u;
-  for (const int c : {x, y, z}) {
-    h = (h ^ static_cast<std::uint32_t>(c)) * 0x85ebca6bu;
-    h ^= h >> 15;
-  }
-  h *= 0xc2b2ae35u;
-  return h ^ (h >> 16);
+  return finished(stirred(stirred(stirred(begun(seed), x), y), z));
 }
 
 float hashedUnit(int x, int y, int z, std::uint32_t seed) {
@@ -33,19 +46,18 @@ float hashedUnit(int x, int y, int z, std::uint32_t seed) {
 }
 
 float noise(Vec3 p, std::uint32_t seed) {
-  const float fx = std::floor(p.x), fy = std::floor(p.y), fz = std::floor(p.z);
-  const int ix = static_cast<int>(fx), iy = static_cast<int>(fy), iz = static_cast<int>(fz);
-  const float x = p.x - fx, y = p.y - fy, z = p.z - fz;
+  const int ix = floored(p.x), iy = floored(p.y), iz = floored(p.z);
+  const float x = p.x - static_cast<float>(ix), y = p.y - static_cast<float>(iy),
+              z = p.z - static_cast<float>(iz);
   const float u = eased(x), v = eased(y), w = eased(z);
-  const auto corner = [&](int dx, int dy, int dz) {
-    return gradient(hashed(ix + dx, iy + dy, iz + dz, seed), x - static_cast<float>(dx),
-                    y - static_cast<float>(dy), z - static_cast<float>(dz));
+  const auto edge = [&](std::uint32_t h, float ex, float ey) {
+    return mix(gradient(finished(stirred(h, iz)), ex, ey, z),
+               gradient(finished(stirred(h, iz + 1)), ex, ey, z - 1), w);
   };
-  const float near =
-      mix(mix(corner(0, 0, 0), corner(1, 0, 0), u), mix(corner(0, 1, 0), corner(1, 1, 0), u), v);
-  const float far =
-      mix(mix(corner(0, 0, 1), corner(1, 0, 1), u), mix(corner(0, 1, 1), corner(1, 1, 1), u), v);
-  return mix(near, far, w);
+  const auto face = [&](std::uint32_t h, float ex) {
+    return mix(edge(stirred(h, iy), ex, y), edge(stirred(h, iy + 1), ex, y - 1), v);
+  };
+  return mix(face(stirred(begun(seed), ix), x), face(stirred(begun(seed), ix + 1), x - 1), u);
 }
 
 Vec3 nextOctave(Vec3 p) {

@@ -3,7 +3,6 @@
 #include "vector.h"
 
 #include <QImage>
-
 #include <functional>
 #include <vector>
 

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+namespace brisklet {
+
+/// One channel of a soft picture as a grid of samples at the centres of its cells. Floats, because eight bits
+/// would show as bands once a blurred picture is enlarged.
+struct FloatPlane {
+  int width = 0;
+  int height = 0;
+  std::vector<float> samples;
+
+  FloatPlane() = default;
+  FloatPlane(int columns, int rows);
+
+  [[nodiscard]] float* row(int y) {
+    return samples.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
+  }
+  [[nodiscard]] const float* row(int y) const {
+    return samples.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
+  }
+};
+
+/// A Gaussian blur of `sigma` cells. Edges continue outwards.
+[[nodiscard]] FloatPlane blurred(const FloatPlane& plane, double sigma);
+
+/// Enlarges planes of one size row by row, with a cubic spline that leaves no trace of the grid.
+class PlaneEnlarger {
+ public:
+  /// Output pixel x reads the plane at the cell coordinate `(x + 0.5) * cellsPerPixelX`.
+  PlaneEnlarger(int planeWidth, int pixels, double cellsPerPixelX);
+
+  /// Output row at the cell coordinate `cellY`; `out` has as many values as there are pixels.
+  void row(const FloatPlane& plane, double cellY, std::span<float> out) const;
+
+ private:
+  struct Tap {
+    int cell;
+    float weights[4];
+  };
+  static Tap tapAt(double cell);
+
+  int planeWidth_;
+  std::vector<Tap> taps_;
+};
+
+/// The dither threshold of a pixel, between 0 and 1: added before a value is cut to an integer, it turns the
+/// fraction into a fixed fine pattern.
+[[nodiscard]] float ditherAt(int x, int y);
+
+}  // namespace brisklet

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "drawing/fonts.h"
+
+#include <QLineEdit>
+
+namespace brisklet {
+
+/// A line edit without a frame, in the studio's font and colours. Its text stands on one baseline whatever
+/// scripts are in it. Line breaks and tabs that are pasted into it are blanks to everybody else, as they are
+/// seen. When it is left it shows its beginning.
+class StudioLineEdit : public QLineEdit {
+  Q_OBJECT
+
+ public:
+  /// The text begins and ends this far from the sides, in points.
+  StudioLineEdit(const TextStyle& style, int leftMargin, int rightMargin, QWidget* parent = nullptr);
+
+  /// Shows a text. The caret, the selection and the undo history stay when it is shown already.
+  void showText(const QString& text);
+
+ Q_SIGNALS:
+  /// The user has changed the text, which is one line: typed, pasted, dictated.
+  void lineEdited(const QString& line);
+
+ protected:
+  void inputMethodEvent(QInputMethodEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+
+ private:
+  void keepBaseline(const QString& composed = {});
+
+  int leftMargin_, rightMargin_;
+  bool isShowing_ = false;
+};
+
+}  // namespace brisklet

@@ -1,0 +1,130 @@
+#include "desktop/file_panels.h"
+
+#include "support/printing.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace brisklet {
+namespace {
+
+struct FilePanelsTest : testing::Test {
+  FilePanels::Done remember() {
+    return [this](const std::optional<QString>& path) { answers.append(path.value_or(u"nothing"_s)); };
+  }
+  void save() {
+    panels->save({.title = u"Export"_s,
+                  .proposedName = u"launch.mp4"_s,
+                  .kind = u"MPEG-4 movies"_s,
+                  .suffix = u"mp4"_s},
+                 remember());
+  }
+  template <typename Dialog>
+  Dialog* shown() {
+    Dialog* found = nullptr;
+    const auto isShown = [&] {
+      for (Dialog* dialog : window.findChildren<Dialog*>()) {
+        if (dialog->isVisible()) found = dialog;
+      }
+      return found != nullptr;
+    };
+    return QTest::qWaitFor(isShown) ? found : nullptr;
+  }
+  /// Types a name in the folder and presses "Save".
+  void saveAs(const QString& name) {
+    auto* dialog = shown<QFileDialog>();
+    ASSERT_TRUE(dialog);
+    auto* field = dialog->findChild<QLineEdit*>();
+    dialog->setDirectory(folder.path());
+    dialog->activateWindow();
+    field->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([field] { return field->hasFocus(); }));
+    // Key presses would open the list of completions, which takes the keyboard.
+    field->setText(name);
+    Q_EMIT field->textEdited(name);
+    QMetaObject::invokeMethod(dialog, "accept");
+  }
+  void answer(QMessageBox::StandardButton button) {
+    auto* question = shown<QMessageBox>();
+    ASSERT_TRUE(question);
+    question->button(button)->click();
+  }
+  void makeFile(const QString& name) {
+    QFile file(folder.filePath(name));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  }
+
+  QTemporaryDir folder;
+  QWidget window;
+  std::unique_ptr<FilePanels> panels = makeFilePanels(&window);
+  QStringList answers;
+};
+
+TEST_F(FilePanelsTest, theSavePanelProposesANameAndCompletesTheChosenOne) {
+  const QString cases[][2] = {
+      {u"a.mp4"_s, u"a.mp4"_s}, {u"b"_s, u"b.mp4"_s}, {u"c.v2"_s, u"c.v2.mp4"_s}, {u"D.MP4"_s, u"D.MP4"_s}};
+  for (const auto& [typed, name] : cases) {
+    save();
+    auto* dialog = shown<QFileDialog>();
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(QFileInfo(dialog->selectedFiles().value(0)).fileName(), u"launch.mp4");
+    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal) << "other windows go on";
+    saveAs(typed);
+    EXPECT_EQ(answers, (QStringList{folder.filePath(name)}));
+    answers.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  save();
+  shown<QFileDialog>()->reject();
+  EXPECT_EQ(answers, (QStringList{u"nothing"_s}));
+}
+
+TEST_F(FilePanelsTest, aFileIsReplacedOnlyWhenTheUserAgrees) {
+  makeFile(u"c.v2.mp4"_s);
+  save();
+  saveAs(u"c.v2"_s);
+  answer(QMessageBox::No);
+  EXPECT_TRUE(answers.isEmpty());
+  saveAs(u"other.v2"_s);
+  EXPECT_EQ(answers, (QStringList{folder.filePath(u"other.v2.mp4"_s)})) << "the panel came back";
+
+  answers.clear();
+  for (const QString& typed : {u"c.v2"_s, u"c.v2.mp4"_s}) {
+    save();
+    saveAs(typed);
+    answer(QMessageBox::Yes);
+  }
+  EXPECT_EQ(answers, (QStringList{folder.filePath(u"c.v2.mp4"_s), folder.filePath(u"c.v2.mp4"_s)}));
+}
+
+TEST_F(FilePanelsTest, theOpenPanelTakesOneFileOfTheOfferedKinds) {
+  makeFile(u"photo.JPG"_s);
+  panels->open({.title = u"Choose"_s, .kind = u"Photos"_s, .suffixes = {u"jpg"_s, u"heic"_s}}, remember());
+  auto* dialog = shown<QFileDialog>();
+  ASSERT_TRUE(dialog);
+  EXPECT_EQ(dialog->nameFilters(), (QStringList{u"Photos (*.jpg *.JPG *.heic *.HEIC)"_s}));
+  saveAs(u"photo.JPG"_s);
+  EXPECT_EQ(answers, (QStringList{folder.filePath(u"photo.JPG"_s)}));
+}
+
+TEST_F(FilePanelsTest, panelsThatAreDestroyedAnswerNoMore) {
+  save();
+  auto* dialog = shown<QFileDialog>();
+  ASSERT_TRUE(dialog);
+  panels.reset();
+  dialog->reject();
+  EXPECT_TRUE(answers.isEmpty());
+}
+
+}  // namespace
+}  // namespace brisklet

@@ -1,0 +1,223 @@
+#include "drawing/text_line.h"
+
+#include "base/graphemes.h"
+
+#include <gtest/gtest.h>
+
+#include <QFontMetricsF>
+#include <QImage>
+#include <QRawFont>
+#include <QTextLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace brisklet {
+
+namespace {
+
+constexpr TextStyle title{15, FontWeight::Semibold};
+
+template <typename Text>
+QImage drawn(const Text& text, const QColor& color = Qt::white) {
+  QImage image(1200, 300, QImage::Format_RGB32);
+  image.fill(Qt::black);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.scale(3, 3);
+  text.draw(painter, {20, 50}, color);
+  return image;
+}
+
+/// The columns from the first to the last pixel that is not black, in points from the text's left end.
+QPair<double, double> inkSpan(const QImage& image) {
+  int first = image.width(), last = -1;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      if (qGray(image.pixel(x, y)) < 64) continue;
+      first = std::min(first, x);
+      last = std::max(last, x);
+    }
+  }
+  return {first / 3.0 - 20, (last + 1) / 3.0 - 20};
+}
+
+bool isColourful(const QImage& image) {
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      if (QColor(image.pixel(x, y)).hsvSaturation() > 100 && qGray(image.pixel(x, y)) > 40) return true;
+  return false;
+}
+
+TEST(SystemFont, isTheEmbeddedInterAtTheSizeInPainterUnitsWhateverTheScreen) {
+  for (const int weight : {400, 500, 600, 700}) {
+    const QFont font = systemFont(16, FontWeight(weight));
+    EXPECT_EQ(QRawFont::fromFont(font).familyName(), "Brisklet Inter") << weight;
+    EXPECT_EQ(QRawFont::fromFont(font).weight(), weight);
+    // Inter's ascender is 0.96875 of its size.
+    EXPECT_DOUBLE_EQ(QFontMetricsF(font).ascent(), 15.5) << weight;
+  }
+}
+
+TEST(SystemFont, whatIsTypedIsWhatIsDrawn) {
+  const QString text = u"2x4 0x10 -> <- => (A-B) 3*4"_s;
+  const QFont font = systemFont(16, FontWeight::Regular);
+  QTextLayout layout(text, font);
+  layout.beginLayout();
+  layout.createLine();
+  layout.endLayout();
+  EXPECT_EQ(layout.glyphRuns().first().glyphIndexes(), QRawFont::fromFont(font).glyphIndexesForString(text));
+}
+
+TEST(TextLine, aColonBetweenDigitsStandsInTheirMiddle) {
+  const auto middle = [](const char* text, double from, double to) {
+    const QImage image = drawn(TextLine(QString::fromUtf8(text), {60, FontWeight::Semibold}));
+    int top = 300, bottom = 0;
+    for (int y = 0; y < 300; ++y)
+      for (int x = int((20 + from) * 3); x < int((20 + to) * 3); ++x)
+        if (qGray(image.pixel(x, y)) > 128) top = std::min(top, y), bottom = y;
+    return (top + bottom) / 6.0;
+  };
+  const double digit = TextLine("1", {60, FontWeight::Semibold}).width();
+  for (const char* time : {"1:1", "1:8", "٩:٤"}) {
+    const double width = TextLine(QString::fromUtf8(time), {60, FontWeight::Semibold}).width();
+    EXPECT_NEAR(middle(time, width * 0.46, width * 0.54), middle(time, 0, width), 0.5) << time;
+  }
+  EXPECT_GT(middle("1: 1", digit, digit + 12), middle("1:1", digit, digit + 12) + 3);
+}
+
+TEST(TextLine, sizesAreExactToFractionsOfAPoint) {
+  const QString text = u"The quick brown fox"_s;
+  const double at16 = TextLine(text, {16, FontWeight::Bold}).width();
+  EXPECT_NEAR(TextLine(text, {15.96, FontWeight::Bold}).width(), at16 * 15.96 / 16, 0.05);
+  EXPECT_NEAR(lineAscent({15.96, FontWeight::Bold}), 0.96875 * 15.96, 0.01);
+}
+
+TEST(TextLine, trackingIsBetweenCharactersAndNotAfterTheLast) {
+  const TextStyle plain{96, FontWeight::Semibold}, tight{96, FontWeight::Semibold, -3};
+  EXPECT_NEAR(TextLine("9:41", plain).width() - TextLine("9:41", tight).width(), 3 * 3, 0.1);
+}
+
+TEST(TextLine, fitsItsOwnNaturalWidth) {
+  for (const char* text :
+       {"Payment received", "שלום עולם", "日本語のテキスト", "👨‍👩‍👧‍👦🔥"}) {
+    const QString shown = QString::fromUtf8(text);
+    EXPECT_FALSE(TextLine(shown, title, TextLine(shown, title).width()).isElided()) << text;
+  }
+}
+
+TEST(TextLine, whatDoesNotFitIsCutWithinTheWidth) {
+  for (const QString& text : {u"Your package will be delivered today"_s, u"مرحبا بالعالم هذا نص طويل جدا"_s,
+                              u"👨‍👩‍👧‍👦"_s.repeated(6)}) {
+    const TextLine line(text, title, 80);
+    EXPECT_TRUE(line.isElided()) << text.toStdString();
+    EXPECT_LE(line.width(), 80.02) << text.toStdString();
+    EXPECT_GT(line.width(), 50) << text.toStdString();
+  }
+  EXPECT_EQ(TextLine("Anything", title, 3).width(), 0);
+}
+
+TEST(TextLine, theEllipsisStandsWhereTheTextRunsTo) {
+  // The ellipsis is the only ink that stays below the middle of the letters.
+  const auto lowOnly = [](const char* text, double fromLeft, double toRight) {
+    const TextLine line(QString::fromUtf8(text), title, 100);
+    const QImage image = drawn(line);
+    const QRect part = QRectF(QPointF((20 + fromLeft * line.width()) * 3, 0),
+                              QPointF((20 + toRight * line.width()) * 3, (50 - 4) * 3))
+                           .toRect();
+    for (int y = part.top(); y < part.bottom(); ++y)
+      for (int x = part.left(); x < part.right(); ++x)
+        if (qGray(image.pixel(x, y)) > 64) return false;
+    return true;
+  };
+  EXPECT_TRUE(lowOnly("HHHHHHHHHHHHHHHHHHHHHHHHHHHHHHHH", 0.9, 1));
+  EXPECT_FALSE(lowOnly("HHHHHHHHHHHHHHHHHHHHHHHHHHHHHHHH", 0, 0.1));
+  EXPECT_TRUE(lowOnly("לללללללללללללללללללללללללללללללל", 0, 0.1));
+  EXPECT_FALSE(lowOnly("לללללללללללללללללללללללללללללללל", 0.9, 1));
+}
+
+TEST(TextLine, onlyTheFirstLineIsShownAndMoreIsToldByAnEllipsis) {
+  for (const QString& lineBreak : {u"\n"_s, u"\r\n"_s, QString(QChar(0x2028))}) {
+    const TextLine line("First" + lineBreak + "Second", title);
+    EXPECT_TRUE(line.isElided());
+    EXPECT_EQ(drawn(line), drawn(TextLine(u"First…"_s, title)));
+    EXPECT_FALSE(TextLine("First" + lineBreak, title).isElided());
+  }
+}
+
+TEST(TextLine, noBlankStandsBeforeTheEllipsis) {
+  const TextLine hello("Hello…", title);
+  EXPECT_EQ(drawn(TextLine("Hello wonderful", title, TextLine("Hello …", title).width() + 0.5)),
+            drawn(hello));
+}
+
+TEST(TextLine, whatCannotBeDrawnIsLeftOutOrReplaced) {
+  const QString broken = u"a"_s + QChar(0) + u"b\tc\u0007"_s + QChar(0xd83d);
+  EXPECT_EQ(drawn(TextLine(broken, title)), drawn(TextLine(u"ab c\ufffd"_s, title)));
+  EXPECT_EQ(TextLine(QString(), title).width(), 0);
+}
+
+TEST(TextLine, aMegabyteOfAnythingIsOneShortLine) {
+  for (const QChar unit :
+       {QChar('x'), QChar(0x0301), QChar(0x0627), QChar(0xd83d), QChar(0x200d), QChar(' ')}) {
+    const TextLine line(QString(1 << 20, unit), title, 300);
+    EXPECT_LE(line.width(), 300.02);
+    EXPECT_TRUE(line.isElided()) << unsigned(unit.unicode());
+  }
+  EXPECT_LT(TextBlock(QString(1 << 20, '8'), {96, FontWeight::Semibold, -3}, 390).lineCount(), 5000);
+}
+
+TEST(TextLine, emojiComeInColourAndFadeAsTheTextDoes) {
+  const QString all = u"😂,🔥,❤️,1️⃣,🏳️‍🌈,⬜🇩🇪,हिन्दी ❤️"_s;
+  for (const QString& emoji : all.split(',')) {
+    const TextLine line(emoji, title);
+    EXPECT_TRUE(isColourful(drawn(line))) << qUtf8Printable(emoji);
+    EXPECT_EQ(inkSpan(drawn(line, Qt::transparent)).second, -20 + 0.0) << qUtf8Printable(emoji);
+  }
+  EXPECT_FALSE(isColourful(drawn(TextLine(u"1 ♥ ©️"_s, title))));
+}
+
+TEST(TextLine, sequencesOfEmojiAreOneGlyphWide) {
+  const double one = TextLine(u"🔥"_s, title).width();
+  const QString all = QStringLiteral(
+      "👨‍👩‍👧‍👦,👍🏽,🏳️‍🌈,1️⃣,🇩🇪,🏴󠁧󠁢󠁥󠁮󠁧󠁿");
+  for (const QString& sequence : all.split(','))
+    EXPECT_NEAR(TextLine(sequence, title).width(), one, 0.1) << qUtf8Printable(sequence);
+}
+
+TEST(TextLine, hanCharactersBesideKanaHaveJapaneseForms) {
+  // The first character is drawn differently in the two languages.
+  const auto first = [](const char* text) {
+    return drawn(TextLine(QString::fromUtf8(text), title)).copy(0, 0, (20 + 15) * 3, 300);
+  };
+  EXPECT_NE(first("直です"), first("直中国"));
+  EXPECT_EQ(first("直接的"), first("直中国"));
+}
+
+TEST(TextLine, theLineIsAsHighForEveryScript) {
+  EXPECT_DOUBLE_EQ(TextLine(u"ที่นี่ 日本語 😂"_s, title).height(), TextLine("Hello", title).height());
+  EXPECT_DOUBLE_EQ(TextLine("", title).ascent(), lineAscent(title));
+}
+
+TEST(TextBlock, breaksBetweenWordsAndElseAnywhereAndCentresEachLine) {
+  const TextStyle clock{96, FontWeight::Semibold, -3};
+  EXPECT_EQ(TextBlock("9:41", clock, 390).lineCount(), 1);
+  const TextBlock words("12:08 twelve", clock, 390);
+  EXPECT_EQ(words.lineCount(), 2);
+  EXPECT_DOUBLE_EQ(words.size().height(), 2 * lineHeight(clock));
+  const TextBlock digits("123456789012", clock, 390);
+  EXPECT_GT(digits.lineCount(), 1);
+  EXPECT_LE(digits.size().width(), 390.02);
+  EXPECT_EQ(TextBlock("9\n41", clock, 390).lineCount(), 2);
+
+  const auto [left, right] = inkSpan(drawn(TextBlock("00", title, 390)));
+  EXPECT_NEAR(left, -right, 0.4);
+}
+
+TEST(Characters, emojiBetweenIndicWordsStayWhole) {
+  const QString text = u"हि 👨‍👩‍👧‍👦 मस्ते"_s;
+  EXPECT_EQ(graphemeEnds(text), (std::vector<qsizetype>{2, 3, 14, 15, 16, 20}));
+}
+
+}  // namespace
+
+}  // namespace brisklet

@@ -1,0 +1,82 @@
+#include "movie/h264_bitstream.h"
+
+#include "movie/h264_encoder.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <span>
+
+namespace brisklet {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+TEST(H264Bitstream, emulationPreventionComesAndGoesWithoutALoss) {
+  const std::vector<std::pair<Bytes, Bytes>> cases = {
+      {{1, 0, 0}, {1, 0, 0, 3}},  // a unit does not end in zero
+      {{1, 0, 0, 0, 0}, {1, 0, 0, 3, 0, 0, 3}},
+      {{0, 0, 1}, {0, 0, 3, 1}},
+      {{0, 0, 2, 0, 0, 3}, {0, 0, 3, 2, 0, 0, 3, 3}},
+      {{0, 0, 0, 0, 0, 1}, {0, 0, 3, 0, 0, 3, 0, 1}},
+      {{0, 0, 4, 0, 1}, {0, 0, 4, 0, 1}}};
+  for (const auto& [payload, unit] : cases) {
+    EXPECT_EQ(nalUnitOf(payload), unit);
+    EXPECT_EQ(payloadOf(unit), payload);
+  }
+
+  std::mt19937 random(1);
+  for (int round = 0; round < 200; ++round) {
+    Bytes payload(100);
+    for (uint8_t& byte : payload) byte = static_cast<uint8_t>(random() % 8 < 5 ? 0 : random() % 5);
+    const Bytes unit = nalUnitOf(payload);
+    for (size_t i = 2; i < unit.size(); ++i)
+      ASSERT_FALSE(unit[i - 2] == 0 && unit[i - 1] == 0 && unit[i] < 3) << "what looks like a start code";
+    if (payload.back() == 0) continue;
+    ASSERT_EQ(payloadOf(unit), payload);
+  }
+}
+
+TEST(H264Bitstream, aSliceMovesToAnotherPlace) {
+  // A reference slice, first macroblock 0, type P, parameters 0, then frame_num in 16 bits, then the rest.
+  const SequenceParameters sequence{.log2MaxFrameNum = 16, .pictureOrderCountType = 2, .framesOnly = true};
+  const Bytes atOnes = {0x61, 0b10011011, 0xff, 0xfe, 0x00, 0x01, 0x80};
+  const Bytes atZero = {0x61, 0b10011010, 0x00, 0x00, 0x03, 0x00, 0x01, 0x80};
+  const Bytes atTwo = {0x61, 0b10011010, 0x00, 0x04, 0x00, 0x01, 0x80};
+  EXPECT_EQ(withFrameNum(atOnes, sequence, 0), atZero)
+      << "the patched bytes make emulation prevention needed";
+  EXPECT_EQ(withFrameNum(atZero, sequence, 0xffff), atOnes) << "and no longer needed";
+  EXPECT_EQ(withFrameNum(atZero, sequence, 2), atTwo);
+  EXPECT_EQ(withFrameNum(atTwo, sequence, 2), atTwo);
+}
+
+TEST(H264Bitstream, whatCannotBeMovedIsRefused) {
+  const SequenceParameters sequence{.log2MaxFrameNum = 4, .pictureOrderCountType = 2, .framesOnly = true};
+  const Bytes good = {0x61, 0b10011010, 0x00, 0x80};
+  EXPECT_TRUE(withFrameNum(good, sequence, 1));
+  const std::vector<std::pair<const char*, Bytes>> cases = {
+      {"nothing", {}},
+      {"no header", {0x61}},
+      {"cut within the counter", {0x61, 0b10011010}},
+      {"a key frame", {0x65, 0b10011010, 0x00, 0x80}},
+      {"no reference", {0x01, 0b10011010, 0x00, 0x80}},
+      {"an intra slice", {0x61, 0b10001000, 0b10000000, 0x80}},
+      {"a parameter set", {0x67, 0b10011010, 0x00, 0x80}}};
+  for (const auto& [what, unit] : cases) EXPECT_FALSE(withFrameNum(unit, sequence, 1)) << what;
+}
+
+TEST(H264Bitstream, theEncodersParametersAreRead) {
+  for (const auto& [width, height] : {std::pair(1170, 2532), std::pair(64, 48)}) {
+    const H264Encoder encoder({width, height, 30});
+    const auto sequence = readSequenceParameters(encoder.sequenceParameters());
+    ASSERT_TRUE(sequence);
+    EXPECT_EQ(sequence->pictureOrderCountType, 2);
+    EXPECT_TRUE(sequence->framesOnly);
+    EXPECT_GE(sequence->log2MaxFrameNum, 4);
+    EXPECT_FALSE(readSequenceParameters(encoder.pictureParameters()));
+    EXPECT_FALSE(readSequenceParameters(std::span(encoder.sequenceParameters()).first(6)));
+  }
+}
+
+}  // namespace
+}  // namespace brisklet

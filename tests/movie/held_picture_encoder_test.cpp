@@ -1,0 +1,120 @@
+#include "movie/held_picture_encoder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace brisklet {
+namespace {
+
+constexpr int width = 128, height = 96, framesPerSecond = 30;
+constexpr H264Settings settings{width, height, framesPerSecond};
+
+std::shared_ptr<const YuvPicture> noise(unsigned seed, uint32_t mask = 0xffffff) {
+  std::mt19937 random(seed);
+  std::vector<uint32_t> pixels(width * height);
+  for (uint32_t& pixel : pixels) pixel = 0xff000000 | (static_cast<uint32_t>(random()) & mask);
+  auto picture = std::make_shared<YuvPicture>(width, height);
+  picture->setFromRgb(pixels.data(), width);
+  return picture;
+}
+
+struct AccessUnit {
+  std::vector<uint8_t> bytes;
+  bool isIdr = false;
+
+  /// Of a predicted slice, counted in four bits as x264 does with one reference.
+  [[nodiscard]] uint32_t frameNum() const {
+    const std::vector<uint8_t> payload = payloadOf(std::span(bytes).subspan(4));
+    BitReader reader(payload);
+    reader.bits(8);
+    for (int i = 0; i < 3; ++i) reader.expGolomb();
+    return reader.bits(4);
+  }
+};
+
+struct HeldPictureEncoderTest : testing::Test {
+  std::vector<AccessUnit> units;
+
+  HeldPictureEncoder encoder(RepeatCoding repeats, int averageBitRate = 8000000) {
+    return {settings, averageBitRate, repeats, [this](std::span<const uint8_t> unit, bool isIdr) {
+              units.push_back({{unit.begin(), unit.end()}, isIdr});
+            }};
+  }
+
+  [[nodiscard]] size_t bytesFrom(size_t first) const {
+    size_t bytes = 0;
+    for (size_t i = first; i < units.size(); ++i) bytes += units[i].bytes.size();
+    return bytes;
+  }
+};
+
+TEST_F(HeldPictureEncoderTest, aHeldPictureIsEncodedOnceAndItsKeyFrameOnce) {
+  HeldPictureEncoder held = encoder(RepeatCoding::Reuse);
+  held.show(noise(1), {});
+  held.hold();
+  held.show(noise(2), {});
+  for (int i = 0; i < 1000; ++i) held.hold();
+
+  ASSERT_EQ(units.size(), 1003u);
+  std::vector<size_t> keys;
+  for (size_t i = 0; i < units.size(); ++i) {
+    if (units[i].isIdr) keys.push_back(i);
+    EXPECT_TRUE(units[i].isIdr || i == 2 || units[i].bytes.size() < 40) << i;
+  }
+  EXPECT_EQ(keys, (std::vector<size_t>{0, 150, 300, 450, 600, 750, 900}));
+  EXPECT_NE(units[0].bytes, units[150].bytes);
+  for (const size_t key : {300, 450, 600, 750, 900}) EXPECT_EQ(units[key].bytes, units[150].bytes);
+}
+
+TEST_F(HeldPictureEncoderTest, theCounterOfFramesNeverSkipsAndStartsOverAtKeyFrames) {
+  HeldPictureEncoder held = encoder(RepeatCoding::Reuse);
+  for (unsigned picture = 0; picture < 40; ++picture) {
+    held.show(noise(picture, 0x3f3f3f), {});
+    for (unsigned i = 0; i < picture % 23; ++i) held.hold();
+  }
+  uint32_t expected = 0;
+  int sinceKey = 0;
+  for (size_t i = 0; i < units.size(); ++i) {
+    EXPECT_LT(sinceKey, 5 * framesPerSecond);
+    ASSERT_EQ(units[i].isIdr ? expected : units[i].frameNum(), expected) << i;
+    expected = units[i].isIdr ? 1 : (expected + 1) % 16;
+    sinceKey = units[i].isIdr ? 1 : sinceKey + 1;
+  }
+}
+
+TEST_F(HeldPictureEncoderTest, onlyWhatChangedCosts) {
+  const auto before = noise(1);
+  std::mt19937 random(1);
+  std::vector<uint32_t> pixels(width * height);
+  for (uint32_t& pixel : pixels) pixel = 0xff000000 | (static_cast<uint32_t>(random()) & 0xffffff);
+  for (size_t row = 32; row < 48; ++row)
+    std::fill_n(pixels.begin() + static_cast<ptrdiff_t>(row * width + 16), 32, 0xff204060);
+  auto after = std::make_shared<YuvPicture>(width, height);
+  after->setFromRgb(pixels.data(), width);
+
+  const std::vector<uint8_t> unchanged = equalMacroblocks(*before, *after);
+  EXPECT_EQ(std::count(unchanged.begin(), unchanged.end(), 0), 3)
+      << "the chroma of the block to the right is touched too";
+  HeldPictureEncoder held = encoder(RepeatCoding::Reuse);
+  held.show(before, {});
+  held.show(after, unchanged);
+  EXPECT_LT(units[1].bytes.size() * 10, units[0].bytes.size());
+}
+
+TEST_F(HeldPictureEncoderTest, aStormOfPicturesKeepsToTheRateAndThePictureThatStaysIsMadeGood) {
+  constexpr int rate = 1000000;
+  HeldPictureEncoder held = encoder(RepeatCoding::Reuse, rate);
+  constexpr int storm = 5 * framesPerSecond, still = 54;  // 1.8 s
+  for (unsigned i = 0; i < storm; ++i) held.show(noise(i), {});
+  for (int i = 0; i < still; ++i) held.hold();
+  EXPECT_LE(static_cast<double>(bytesFrom(0) * 8), rate * (storm + still) / 30.0 * 1.05);
+  for (int i = 0; i < 150; ++i) held.hold();
+  const AccessUnit& refined =
+      *std::find_if(units.begin() + storm, units.end(), [](const AccessUnit& unit) { return unit.isIdr; });
+  EXPECT_GT(refined.bytes.size(), units[0].bytes.size() * 9 / 10) << "as fine as the first one";
+}
+
+}  // namespace
+}  // namespace brisklet

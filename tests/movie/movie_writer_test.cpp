@@ -1,0 +1,303 @@
+#include "movie/movie_writer.h"
+
+#include "support/decoded_movie.h"
+#include "support/printing.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <QDir>
+#include <QFile>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+#include <QtEndian>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <csignal>
+#include <span>
+
+namespace brisklet {
+namespace {
+
+constexpr VideoSettings smallVideo{
+    .width = 128, .height = 96, .framesPerSecond = 30, .averageBitRate = 8000000};
+constexpr AudioSettings stereo{.sampleRate = 44100, .channels = 2, .bitRate = 128000};
+
+QImage flat(QColor colour, QSize size = {128, 96}) {
+  QImage picture(size, QImage::Format_RGB32);
+  picture.fill(colour);
+  return picture;
+}
+
+/// Detail everywhere, and a block of its own for each number.
+QImage numbered(int number, QSize size = {128, 96}) {
+  QImage picture(size, QImage::Format_RGB32);
+  for (int y = 0; y < size.height(); ++y)
+    for (int x = 0; x < size.width(); ++x)
+      picture.setPixel(x, y, qRgb(60 + x % 64 + y % 7 * 9, 90 + (x * y) % 50, 40 + y));
+  QPainter painter(&picture);
+  painter.fillRect(16 * (number % 6), 16 * (number / 6 % 5), 20, 20,
+                   QColor::fromHsv(number * 37 % 360, 160, 220));
+  return picture;
+}
+
+/// Whole frames, silent but for a tone of 880 Hz from `onset` on.
+QByteArray toneFrom(qint64 onset, qint64 frames) {
+  QByteArray pcm(frames * 4, 0);
+  for (qint64 i = onset; i < std::min(frames, onset + 8000); ++i) {
+    const double level = 12000 * std::sin(2 * M_PI * 880 * static_cast<double>(i - onset) / 44100);
+    for (const int channel : {0, 2})
+      qToLittleEndian(static_cast<qint16>(level), pcm.data() + 4 * i + channel);
+  }
+  return pcm;
+}
+
+/// Files written by this process end at so many bytes while this lives.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limited{bytes, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limited);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_);
+  }
+
+ private:
+  rlimit before_ = {};
+  void (*handler_)(int);
+};
+
+struct MovieWriterTest : testing::Test {
+  QTemporaryDir folder;
+  QString path = folder.filePath("movie.mp4");
+
+  static void appendFrames(MovieWriter& writer, const QList<QImage>& frames) {
+    for (qsizetype i = 0; i < frames.size(); ++i) {
+      while (!writer.isReadyForMoreVideo()) QThread::msleep(1);
+      writer.appendFrame(frames[i], i);
+    }
+    writer.markVideoFinished();
+  }
+
+  static void appendSound(MovieWriter& writer, const QByteArray& pcm) {
+    for (qint64 offset = 0; offset < pcm.size() / 4; offset += 4096) {
+      while (!writer.isReadyForMoreAudio()) QThread::msleep(1);
+      const QByteArray piece = pcm.mid(offset * 4, qsizetype{4096} * 4);
+      writer.appendAudio({piece, piece.size() / 4, offset});
+    }
+    writer.markAudioFinished();
+  }
+
+  static void finish(MovieWriter& writer) {
+    bool finished = false;
+    writer.finishWriting([&] { finished = true; });
+    EXPECT_FALSE(finished);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return finished; }, 30000));
+  }
+
+  /// Writes a movie; returns the writer's complaint.
+  [[nodiscard]] QString written(const QList<QImage>& frames, const QByteArray& pcm = {},
+                                std::unique_ptr<MovieWriter> (*make)(OutputFile) = makeMovieWriter) {
+    const auto writer = make(OutputFile(path));
+    writer->addVideo({frames[0].width(), frames[0].height(), 30, 8000000});
+    if (!pcm.isEmpty()) writer->addAudio(stereo);
+    if (writer->startWriting()) {
+      appendFrames(*writer, frames);
+      if (!pcm.isEmpty()) appendSound(*writer, pcm);
+      finish(*writer);
+    }
+    EXPECT_EQ(writer->status(),
+              writer->errorText().isEmpty() ? MovieWriter::Status::Completed : MovieWriter::Status::Failed);
+    return writer->errorText();
+  }
+
+  [[nodiscard]] QByteArray fileBytes() const {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }
+};
+
+TEST_F(MovieWriterTest, theFileIsWhatPlayersExpect) {
+  QList<QImage> frames;
+  for (int i = 0; i < 90; ++i) frames.append(i % 30 == 0 ? numbered(i / 30) : frames.last());
+  ASSERT_EQ(written(frames, toneFrom(22050, 132300)), "");
+
+  const DecodedMovie movie = decodedMovie(path);
+  EXPECT_LT(movie.boxes.indexOf("moov"), movie.boxes.indexOf("mdat"));
+  EXPECT_EQ(movie.containerColour, (std::vector{1, 1, 1, 0}));
+  EXPECT_EQ(movie.sequenceParameterSets, 1);
+  EXPECT_EQ(movie.pictureParameterSets, 1);
+  EXPECT_EQ(movie.nalTypes, (std::vector{1, 5})) << "slices and nothing else";
+  EXPECT_EQ(QSize(movie.width, movie.height), QSize(128, 96));
+  EXPECT_EQ(movie.audioCodec + ' ' + movie.audioProfile, "aac LC");
+  EXPECT_EQ(movie.sampleRate, 44100);
+  EXPECT_EQ(movie.channels.size(), 2u);
+  EXPECT_LE(movie.interleavingGap, 1.1);
+  for (const char* trace : {"x264", "Lavc", "Lavf"}) EXPECT_FALSE(fileBytes().contains(trace)) << trace;
+}
+
+TEST_F(MovieWriterTest, everyFrameStandsAtItsTimeAndPicturesChangeWhenTheyAreAppended) {
+  QList<QImage> frames;
+  const std::vector<int> changesAt = {0, 1, 2, 40, 149, 150, 151, 170, 299, 320, 330};
+  for (int i = 0, picture = -1; i < 335; ++i) {
+    if (std::find(changesAt.begin(), changesAt.end(), i) != changesAt.end())
+      frames.append(numbered(++picture));
+    else
+      frames.append(frames.last());
+  }
+  for (const auto make : {makeMovieWriter, makeEveryFrameMovieWriter}) {
+    ASSERT_EQ(written(frames, {}, make), "");
+    const DecodedMovie movie = decodedMovie(path);
+    ASSERT_EQ(movie.frames.size(), 335u);
+    EXPECT_TRUE(movie.frames[0].isKey);
+    qint64 lastKey = 0;
+    for (std::size_t i = 0; i < movie.frames.size(); ++i) {
+      EXPECT_EQ(movie.frames[i].time, static_cast<qint64>(i));
+      if (movie.frames[i].isKey) lastKey = static_cast<qint64>(i);
+      EXPECT_LT(static_cast<qint64>(i) - lastKey, 150);
+      EXPECT_GE(lumaPsnr(movie.pictureAt(i), frames[static_cast<qsizetype>(i)]), 46) << i;
+    }
+  }
+}
+
+TEST_F(MovieWriterTest, whatIsWrittenAgainDecodesToTheVerySamePicture) {
+  QList<QImage> frames;
+  for (int i = 0; i < 400; ++i)
+    frames.append(i == 0 || i == 7 || i == 60 || i == 61 ? numbered(i) : frames.last());
+  ASSERT_EQ(written(frames), "");
+  const DecodedMovie movie = decodedMovie(path);
+  ASSERT_EQ(movie.frames.size(), 400u);
+  // A key frame may differ from the same picture predicted, the repeats of either never.
+  for (const qint64 change : movie.changes())
+    EXPECT_TRUE(movie.frames[static_cast<std::size_t>(change)].isKey || change == 7 || change == 60 ||
+                change == 61)
+        << change;
+  EXPECT_LT(fileBytes().size(), 100000);
+
+  const DecodedMovie threaded = decodedMovie(path, 4);
+  ASSERT_EQ(threaded.frames.size(), 400u);
+  EXPECT_TRUE(threaded.pictures == movie.pictures);
+  for (const std::size_t frame : {0, 6, 7, 8, 59, 60, 61, 149, 151, 250, 311, 399})
+    EXPECT_TRUE(pictureAfterSeek(path, {128, 96}, static_cast<double>(frame) / 30) == movie.pictureAt(frame))
+        << frame;
+}
+
+TEST_F(MovieWriterTest, coloursArriveExactly) {
+  const QList<std::pair<QColor, std::array<int, 3>>> cases = {{Qt::red, {63, 102, 240}},
+                                                              {Qt::blue, {32, 240, 118}},
+                                                              {Qt::white, {235, 128, 128}},
+                                                              {QColor(1, 1, 1), {17, 128, 128}}};
+  QList<QImage> frames;
+  for (const auto& each : cases) frames.append(flat(each.first));
+  ASSERT_EQ(written(frames), "");
+  const DecodedMovie movie = decodedMovie(path);
+  ASSERT_EQ(movie.frames.size(), 4u);
+  for (std::size_t i = 0; i < 4; ++i) {
+    const DecodedPicture& picture = movie.pictureAt(i);
+    const std::array yuv{picture.y(50, 50), picture.cbAt(50, 50), picture.crAt(50, 50)};
+    for (std::size_t c = 0; c < 3; ++c) EXPECT_NEAR(yuv[c], cases[static_cast<int>(i)].second[c], 1) << i;
+  }
+}
+
+TEST_F(MovieWriterTest, theSoundStartsWhereItWasAppended) {
+  // Around the borders of a packet (1024 samples), after long silence, and at once.
+  for (const qint64 onset : {0, 1023, 44100, 200000}) {
+    ASSERT_EQ(written({numbered(0)}, toneFrom(onset, 220500)), "");
+    const DecodedMovie movie = decodedMovie(path);
+    ASSERT_EQ(movie.channels.size(), 2u);
+    for (const std::vector<float>& channel : movie.channels) {
+      EXPECT_EQ(channel.size(), 220500u);
+      const auto heard =
+          std::find_if(channel.begin(), channel.end(), [](float s) { return std::abs(s) > 0.1; });
+      EXPECT_NEAR(static_cast<double>(heard - channel.begin()), static_cast<double>(onset), 44) << "1 ms";
+      const auto tail = std::span(channel).subspan(static_cast<std::size_t>(onset) + 8000 + 2048);
+      EXPECT_TRUE(std::all_of(tail.begin(), tail.end(), [](float s) { return std::abs(s) < 0.001; }));
+    }
+  }
+}
+
+TEST_F(MovieWriterTest, whatIsLeftOutLeavesTheRestInItsPlace) {
+  const auto writer = makeMovieWriter(OutputFile(path));
+  writer->addVideo(smallVideo);
+  writer->addAudio(stereo);
+  ASSERT_TRUE(writer->startWriting());
+  const QImage held = numbered(1);
+  for (const qint64 frame : {0, 1, 4})
+    EXPECT_TRUE(writer->appendFrame(frame == 0 ? numbered(0) : held, frame));
+  EXPECT_FALSE(writer->appendFrame(held, 4)) << "a time that is taken";
+  EXPECT_FALSE(writer->appendFrame(flat(Qt::red, {64, 64}), 5)) << "another size";
+  EXPECT_TRUE(writer->appendFrame(held, 6));
+  EXPECT_TRUE(writer->appendAudio({toneFrom(0, 4096), 4096, 0}));
+  EXPECT_TRUE(writer->appendAudio({toneFrom(0, 4096), 4096, 20000}));
+  EXPECT_FALSE(writer->appendAudio({toneFrom(0, 4096), 4096, 20001})) << "a time that is taken";
+  EXPECT_FALSE(writer->appendAudio({toneFrom(0, 4096), 4095, 40000})) << "a wrong length";
+  finish(*writer);
+  ASSERT_EQ(writer->errorText(), "");
+
+  const DecodedMovie movie = decodedMovie(path);
+  ASSERT_EQ(movie.frames.size(), 4u);
+  EXPECT_EQ(movie.frames[1].time, 1);
+  EXPECT_EQ(movie.frames[2].time, 4);
+  EXPECT_EQ(movie.frames[3].time, 6);
+  EXPECT_EQ(movie.changes(), std::vector<qint64>{1});
+  const std::vector<float>& sound = movie.channels.at(0);
+  EXPECT_NEAR(static_cast<double>(sound.size()), 24096, 44);
+  const auto second =
+      std::find_if(sound.begin() + 10000, sound.end(), [](float s) { return std::abs(s) > 0.1; });
+  EXPECT_NEAR(static_cast<double>(second - sound.begin()), 20000, 44);
+}
+
+TEST_F(MovieWriterTest, aWriterThatFailsRefusesAtOnceAndLeavesNothing) {
+  const auto writer = makeMovieWriter(OutputFile(path));
+  writer->addVideo(smallVideo);
+  writer->addAudio(stereo);
+  {
+    const FileSizeLimit limit(0);
+    EXPECT_FALSE(writer->startWriting());
+  }
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_TRUE(writer->isReadyForMoreVideo() && writer->isReadyForMoreAudio())
+        << "nobody waits for it in vain";
+    EXPECT_FALSE(writer->appendFrame(numbered(i), i));
+    EXPECT_FALSE(writer->appendAudio({toneFrom(0, 4096), 4096, i * 4096}));
+  }
+  finish(*writer);
+  EXPECT_EQ(writer->status(), MovieWriter::Status::Failed);
+  EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+}
+
+TEST_F(MovieWriterTest, aFolderThatGoesAwayMeanwhileIsNoticed) {
+  const auto writer = makeMovieWriter(OutputFile(path));
+  writer->addVideo(smallVideo);
+  ASSERT_TRUE(writer->startWriting());
+  writer->appendFrame(numbered(0), 0);
+  ASSERT_TRUE(QDir(folder.path()).removeRecursively());
+  finish(*writer);
+  EXPECT_EQ(writer->status(), MovieWriter::Status::Failed);
+  EXPECT_TRUE(writer->errorText().contains("movie.mp4\": its folder does not exist."))
+      << writer->errorText().toStdString();
+}
+
+TEST_F(MovieWriterTest, aWriterDroppedMidwayLeavesNothingAndCallsNobody) {
+  for (const bool finishing : {false, true}) {
+    auto writer = makeMovieWriter(OutputFile(path));
+    writer->addVideo(smallVideo);
+    ASSERT_TRUE(writer->startWriting());
+    for (int i = 0; i < 4; ++i) writer->appendFrame(numbered(i), i);
+    bool called = false;
+    if (finishing) writer->finishWriting([&] { called = true; });
+    writer.reset();
+    QTest::qWait(20);
+    EXPECT_FALSE(called);
+    EXPECT_TRUE(finishing || QDir(folder.path()).entryList(QDir::Files | QDir::Hidden) == QStringList());
+  }
+}
+
+}  // namespace
+}  // namespace brisklet

@@ -1,0 +1,156 @@
+#include "studio/controls/chip_grid.h"
+#include "studio/controls/clamped_text.h"
+#include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
+#include "studio/controls/studio_line_edit.h"
+#include "studio/controls/tabular_text.h"
+#include "studio/stage_backdrop.h"
+#include "support/printing.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPainter>
+#include <algorithm>
+#include <set>
+
+namespace brisklet {
+namespace {
+
+constexpr TextStyle style{12, FontWeight::Regular};
+
+QImage canvas(int width, int height) {
+  QImage image(width, height, QImage::Format_RGB32);
+  image.fill(Qt::white);
+  return image;
+}
+
+TEST(PaletteTest, coloursAreTheNearestOfEightBits) {
+  QStringList names;
+  for (const QColor& color : {Studio::ink, Studio::paper, Studio::line, Studio::mute, Studio::stage})
+    names.append(color.name());
+  EXPECT_EQ(names.join(' '), "#111112 #f6f6f7 #e7e7e9 #6b6b73 #0e0e12");
+}
+
+TEST(ControlPaintingTest, outlinesAreWholePixelsAtEveryScale) {
+  for (const double scale : {1.0, 1.25, 1.5, 2.0, 3.0}) {
+    QImage image = canvas(200, 200);
+    QPainter painter(&image);
+    setUpPainter(painter);
+    painter.scale(scale, scale);
+    paintBox(painter, {QRectF(7, 7, 40, 30), 7, Studio::line, 1}, Studio::ink);
+    QStringList across;
+    for (int x = 0; x < 200; ++x) across.append(image.pixelColor(x, qRound(22 * scale)).name());
+    across.erase(std::unique(across.begin(), across.end()), across.end());
+    EXPECT_EQ(across.join(' '), "#ffffff #e7e7e9 #111112 #e7e7e9 #ffffff") << scale;
+  }
+}
+
+TEST(ChipGridTest, columnsAreEqualAndFillTheWidth) {
+  using Shape = ChipRows::Shape;
+  const ChipRows five{.shape = Shape::Square, .spacing = 8, .columns = 5};
+  const ChipRows six{.shape = Shape::Square, .spacing = 8, .columns = 6};
+  const ChipRows strips{.shape = Shape::Strip, .spacing = 6, .minColumnWidth = 88, .height = 28};
+  const struct {
+    ChipRows rows;
+    int width, chips;
+    QRect last;
+  } cases[] = {
+      {five, 252, 5, {208, 0, 44, 44}},   {six, 252, 6, {216, 0, 36, 36}},  // 35 1/3 points a column
+      {strips, 252, 3, {0, 34, 123, 28}}, {strips, 276, 3, {188, 0, 88, 28}},
+      {strips, 50, 2, {0, 34, 50, 28}},
+  };
+  for (const auto& [rows, width, chips, last] : cases) {
+    const auto places = chipPlaces(rows, width, chips);
+    EXPECT_EQ(places.first(), QRect(QPoint(), last.size()));
+    EXPECT_EQ(places.last(), last);
+  }
+}
+
+TEST(StageTest, phoneIsAsLargeAsFitsWithItsMargins) {
+  EXPECT_NEAR(phoneScale({744, 807}), 727 / 844.0, 1e-9);
+  EXPECT_NEAR(phoneScale({300, 2000}), 220 / 390.0, 1e-9);
+  EXPECT_EQ(phoneScale({100, 100}), 0.2);
+  EXPECT_EQ(phoneRect({100, 100}).center(), QPointF(50, 50));
+  EXPECT_NEAR(phoneRect({744, 807}).height(), 727, 1e-9);
+}
+
+TEST(StageTest, backdropFadesWithoutBands) {
+  const QImage backdrop = stageBackdrop({744, 807}, 1);
+  EXPECT_EQ(backdrop.pixelColor(0, 0).rgb() | 0x010101, Studio::stage.rgb() | 0x010101);
+  // Beside the phone the glow falls by a level in about forty pixels: dither mixes neighbouring levels.
+  std::set<int> levels;
+  int beside = 0, far = 0;
+  for (int i = 0; i < 16; ++i) {
+    levels.insert(backdrop.pixelColor(150 + i, 403).red());
+    beside += backdrop.pixelColor(150 + i, 403).red();
+    far += backdrop.pixelColor(i, 403).red();
+  }
+  EXPECT_EQ(levels.size(), 2U);
+  EXPECT_GT(beside, far + 2 * 16);
+}
+
+TEST(TabularTextTest, numbersOfEqualLengthAreEquallyWide) {
+  EXPECT_EQ(TabularText("lands at 1.1s", style).width(), TabularText("lands at 4.8s", style).width());
+  EXPECT_NE(TextLine("lands at 1.1s", style).width(), TextLine("lands at 4.8s", style).width());
+  EXPECT_LE(TabularText("1000000000000 pings", style, 40).width(), 40);
+}
+
+TEST(ClampedTextTest, textsTakeTheLinesTheyNeedAndDrawNothingBeyondTheWidth) {
+  const auto drawn = [](const ClampedText& text) {
+    QImage image = canvas(200, 40);
+    QPainter painter(&image);
+    text.draw(painter, {20, 2}, Qt::black);
+    return image;
+  };
+  const QString arabic = "هل رأيت ما حدث اليوم في الملعب؟ كان ذلك رائعًا";
+  const QList<std::pair<QString, int>> cases{
+      {"", 1}, {"ok", 1}, {"a message that needs two lines", 2}, {QString(5000, u'w'), 2}, {arabic, 2}};
+  for (const auto& [text, lines] : cases) {
+    const ClampedText fitting(text, style, 146, 2);
+    EXPECT_EQ(fitting.lineCount(), lines) << text.left(40).toStdString();
+    const QImage image = drawn(fitting);
+    EXPECT_EQ(image.copy(0, 0, 19, 40), canvas(19, 40));
+    EXPECT_EQ(image.copy(168, 0, 32, 40), canvas(32, 40));
+    EXPECT_EQ(image.copy(19, 0, 149, 20) != canvas(149, 20), !text.isEmpty());
+    EXPECT_EQ(image.copy(19, 20, 149, 20) != canvas(149, 20), lines == 2);
+  }
+  const auto clamped = [](const QString& text) { return ClampedText(text, style, 146, 2); };
+  EXPECT_EQ(drawn(clamped("one\n\n\ntwo")), drawn(clamped("one two")));
+  // The short second line of a text that runs to the left is flush on the right.
+  const QImage second = drawn(clamped("هل رأيت ما حدث اليوم في الملعب؟ كان")).copy(0, 20, 200, 20);
+  EXPECT_EQ(second.copy(0, 0, 70, 20), canvas(70, 20));
+  EXPECT_NE(second, canvas(200, 20));
+}
+
+TEST(ClampedTextTest, linesAreBrokenByTheWidthInWhichTheyAreDrawn) {
+  for (const QString word : {"1️⃣", "❤️", "🎉", "two2", "hello"}) {
+    const QString text = (word + u' ').repeated(40);
+    const qsizetype length = firstLineLength(text, style, 146);
+    const auto isTooLong = [&](qsizetype end) {
+      return TextLine(text.left(end).trimmed(), style, 146).isElided();
+    };
+    EXPECT_EQ(length % (word.size() + 1), 0) << word.toStdString();
+    EXPECT_FALSE(isTooLong(length)) << word.toStdString();
+    EXPECT_TRUE(isTooLong(length + word.size() + 1)) << word.toStdString();
+  }
+}
+
+TEST(StudioLineEditTest, otherScriptsDoNotMoveTheBaseline) {
+  const auto footOfH = [](const QString& text) {
+    StudioLineEdit edit({13, FontWeight::Regular}, 10, 10);
+    edit.resize(200, 34);
+    edit.showText(text);
+    const QImage picture = edit.grab().toImage();
+    int foot = -1;
+    for (int y = 0; y < picture.height(); ++y)
+      if (qGray(picture.pixel(11, y)) < 128) foot = y;
+    return foot;
+  };
+  ASSERT_GT(footOfH("H"), 0);
+  for (const QString text : {"H م", "H 漢", "H ไ", "H 🎉"})
+    EXPECT_EQ(footOfH(text), footOfH("H")) << text.toStdString();
+}
+
+}  // namespace
+}  // namespace brisklet
