@@ -5,11 +5,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QSize>
 #include <QtEndian>
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -18,15 +18,19 @@ namespace brisklet {
 
 namespace {
 
-/// What a program writes; that it has nothing to object to is a part of the test.
+/// What a program writes. What it complains of comes in between, and spoils it.
+// popen() and not QProcess: the thread sanitizer no longer sees the locks of a thread that QProcess has
+// forked.
 QByteArray outputOf(const QString& program, const QStringList& arguments) {
-  QProcess process;
-  process.start(program, QStringList{"-v", "error"} + arguments);
-  const bool ended = process.waitForFinished(600000);
-  const QByteArray complaint = process.readAllStandardError();
-  if (!ended || process.exitCode() != 0 || !complaint.isEmpty())
-    throw std::runtime_error((program + ": " + process.errorString() + ' ' + complaint).toStdString());
-  return process.readAllStandardOutput();
+  const QByteArray command =
+      (program + " -v error '" + arguments.join("' '") + "' </dev/null 2>&1").toLocal8Bit();
+  FILE* output = ::popen(command.constData(), "r");
+  if (!output) throw std::runtime_error("no process");
+  QFile file;
+  QByteArray bytes;
+  if (file.open(output, QIODevice::ReadOnly)) bytes = file.readAll();
+  if (::pclose(output) != 0) throw std::runtime_error((command + ": " + bytes.right(1000)).toStdString());
+  return bytes;
 }
 
 QByteArray decoded(const QString& path, const QStringList& before, const QStringList& after) {
