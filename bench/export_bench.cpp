@@ -225,7 +225,7 @@ int main(int argc, char** argv) {
     const double everyFrame =
         isExtrapolated ? longEveryFrame * row.lengthSeconds / rows[1].lengthSeconds : seconds([&] {
           waitForTask(
-              VideoExporter::exportMovie(document, path("every.mp4"), {}, {}, makeEveryFrameMovieWriter));
+              VideoExporter::exportMovie(document, {}, path("every.mp4"), {}, {}, makeEveryFrameMovieWriter));
         });
     longEveryFrame = everyFrame;
     std::printf("| %s | %d | %.1f s | %.2f s | %.0f | %.0f MB | %s%.1f s | %.0f |\n", row.name, row.pings,

@@ -18,9 +18,9 @@ namespace {
 /// A symbol's drawing is this high, in its own units, where the font is one point high.
 constexpr double unitsPerPoint = 100;
 
-/// The drawing of this name, parsed once; null if there is none.
+/// The drawing of this name, parsed once in each thread; null if there is none.
 QSvgRenderer* drawing(const QString& name) {
-  static std::map<QString, std::unique_ptr<QSvgRenderer>> drawings;
+  thread_local std::map<QString, std::unique_ptr<QSvgRenderer>> drawings;
   const auto [entry, isNew] = drawings.try_emplace(name);
   const QString path = u":/symbols/%1.svg"_s.arg(name);
   if (isNew && !name.contains(u'/') && QFile::exists(path)) {
@@ -51,7 +51,7 @@ void drawSymbol(QPainter& painter, const QString& name, double fontSizePt, const
   const QRect pixels = place.toAlignedRect();
   place.translate(-pixels.topLeft());
 
-  static QCache<QString, QImage> pictures(16 << 20);  // bytes
+  thread_local QCache<QString, QImage> pictures(16 << 20);  // bytes
   const QString key = u"%1 %2 %3 %4 %5 %6"_s.arg(name)
                           .arg(place.x(), 0, 'f', 2)
                           .arg(place.y(), 0, 'f', 2)

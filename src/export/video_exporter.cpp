@@ -2,9 +2,9 @@
 
 #include "base/logging.h"
 #include "export/event_loop.h"
-#include "lockscreen/lock_screen_view.h"
+#include "export/frame_pictures.h"
+#include "export/frame_stream.h"
 #include "model/catalogue.h"
-#include "playback/sequence_player.h"
 #include "sound/notification_sounds.h"
 
 #include <QElapsedTimer>
@@ -13,8 +13,8 @@
 #include <chrono>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 #include <system_error>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -28,15 +28,19 @@ constexpr qint64 audioChunkFrames = 4096;
 /// The soundtrack is made in pieces of about twelve seconds, so that its length costs no memory.
 constexpr qint64 soundtrackPieceFrames = 128 * audioChunkFrames;
 
-constexpr VideoSettings videoSettings{.width = 1170,
-                                      .height = 2532,
-                                      .framesPerSecond = VideoExporter::framesPerSecond,
-                                      .averageBitRate = 8'000'000};
+/// Of a lock screen alone, and of pages that are no larger. Cards that move without a pause take more.
+constexpr int averageBitRate = 8'000'000, averageBitRateInMotion = 12'000'000;
 constexpr AudioSettings audioSettings{
     .sampleRate = NotificationSounds::sampleRate, .channels = 2, .bitRate = 128'000};
 
-double momentMs(qint64 frame) {
-  return static_cast<double>(frame) / VideoExporter::framesPerSecond * 1000;
+VideoSettings videoSettings(const MovieStyle& style) {
+  const QSize size = FramePictures::size(style);
+  const double area = static_cast<double>(size.width()) * size.height() / (captureWidth * captureHeight);
+  return {.width = size.width(),
+          .height = size.height(),
+          .framesPerSecond = VideoExporter::framesPerSecond,
+          .averageBitRate = static_cast<int>((style.inMotion ? averageBitRateInMotion : averageBitRate) *
+                                             std::max(1.0, area))};
 }
 
 void refuseOverwritingThePhoto(const SequenceDocument& document, const QString& path) {
@@ -47,53 +51,20 @@ void refuseOverwritingThePhoto(const SequenceDocument& document, const QString& 
     throw couldNotWrite(path, u"it is the wallpaper photo of the sequence"_s);
 }
 
-/// The picture of each frame in order. A frame that shows the same cards as the one before is the same
-/// QImage, which is how the writer knows that nothing changed.
-class FramePictures {
- public:
-  explicit FramePictures(const SequenceDocument& document) : document_(document), player_(document) {
-    for (const Ping& ping : document.notifications) landingsMs_.push_back(ping.delayMs);
-    std::sort(landingsMs_.begin(), landingsMs_.end());
-  }
-
-  const QImage& at(qint64 frame) {
-    const double timeMs = momentMs(frame);
-    player_.stop();
-    player_.setElapsedMs(timeMs);
-    // Cards change only at a moment at which a ping lands.
-    bool landed = false;
-    for (; landings_ < landingsMs_.size() && landingsMs_[landings_] <= timeMs; ++landings_) landed = true;
-    if (!picture_.isNull() && !landed) return picture_;
-
-    QList<Ping> visible = document_.visiblePings(timeMs);
-    if (picture_.isNull() || visible != visible_) {
-      visible_ = std::move(visible);
-      picture_ = captureFrame({document_, player_, Rendering::Movie}, cache_);
+QCoro::Task<> appendVideo(const SequenceDocument& document, const MovieStyle& style, MovieWriter& writer,
+                          EventLoopTurn& turn, const VideoExporter::Progress& progress) {
+  const qint64 frameCount = VideoExporter::frameCount(document);
+  FrameStream stream(document, style, frameCount);
+  while (true) {
+    while (!stream.isReady()) co_await turn.pause(readinessPoll);
+    const std::optional<HeldFrames> frames = stream.next();
+    if (!frames) break;
+    for (qint64 frame = frames->first; frame < frames->first + frames->count; ++frame) {
+      if (turn.isOver()) co_await turn.pause();
+      while (!writer.isReadyForMoreVideo()) co_await turn.pause(readinessPoll);
+      writer.appendFrame(frames->picture, frame);
+      if (progress) progress(frame + 1, frameCount);
     }
-    return picture_;
-  }
-
- private:
-  const SequenceDocument& document_;
-  SequencePlayer player_;
-  LockScreenCache cache_;
-  std::vector<double> landingsMs_;
-  std::size_t landings_ = 0;
-  QList<Ping> visible_;
-  QImage picture_;
-};
-
-QCoro::Task<> appendVideo(const SequenceDocument& document, MovieWriter& writer, EventLoopTurn& turn,
-                          const VideoExporter::Progress& progress) {
-  const qint64 count = VideoExporter::frameCount(document);
-  FramePictures frames(document);
-  for (qint64 i = 0; i < count; ++i) {
-    const QImage& picture = frames.at(i);
-    if (picture.isNull()) continue;
-    if (turn.isOver()) co_await turn.pause();
-    while (!writer.isReadyForMoreVideo()) co_await turn.pause(readinessPoll);
-    writer.appendFrame(picture, i);
-    if (progress) progress(i + 1, count);
   }
   writer.markVideoFinished();
 }
@@ -116,20 +87,20 @@ QCoro::Task<> appendAudio(const SequenceDocument& document, MovieWriter& writer,
   writer.markAudioFinished();
 }
 
-QCoro::Task<> write(const SequenceDocument& document, MovieWriter& writer, EventLoopTurn& turn,
-                    const VideoExporter::Progress& progress) {
+QCoro::Task<> write(const SequenceDocument& document, const MovieStyle& style, MovieWriter& writer,
+                    EventLoopTurn& turn, const VideoExporter::Progress& progress) {
   const auto failure = [&writer] {
     return writer.errorText().isEmpty() ? Error(ExportError()) : Error(writer.errorText());
   };
-  if (!writer.canAddVideo(videoSettings)) throw ExportError();
-  writer.addVideo(videoSettings);
+  if (!writer.canAddVideo(videoSettings(style))) throw ExportError();
+  writer.addVideo(videoSettings(style));
   const bool hasAudio = writer.canAddAudio(audioSettings);
   if (hasAudio) writer.addAudio(audioSettings);
   if (!writer.startWriting()) throw failure();
 
   QElapsedTimer timer;
   timer.start();
-  co_await appendVideo(document, writer, turn, progress);
+  co_await appendVideo(document, style, writer, turn, progress);
   qCInfo(exportLog) << "appended" << VideoExporter::frameCount(document) << "frames after" << timer.elapsed()
                     << "ms";
   if (hasAudio) co_await appendAudio(document, writer, turn);
@@ -160,15 +131,15 @@ void VideoExporter::requireExportable(const SequenceDocument& document) {
   }
 }
 
-QCoro::Task<> VideoExporter::exportMovie(SequenceDocument document, QString path, Progress progress,
-                                         std::stop_token stop, MakeWriter makeWriter) {
+QCoro::Task<> VideoExporter::exportMovie(SequenceDocument document, MovieStyle style, QString path,
+                                         Progress progress, std::stop_token stop, MakeWriter makeWriter) {
   requireExportable(document);
   refuseOverwritingThePhoto(document, path);
   OutputFile file(path);
   file.removeFormer();
   const std::unique_ptr<MovieWriter> writer = makeWriter(std::move(file));
   EventLoopTurn turn(std::move(stop));
-  co_await write(document, *writer, turn, progress);
+  co_await write(document, style, *writer, turn, progress);
 }
 
 }  // namespace brisklet

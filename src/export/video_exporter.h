@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/error.h"
+#include "model/movie_style.h"
 #include "model/sequence_document.h"
 #include "movie/movie_writer.h"
 
@@ -37,8 +38,9 @@ void requireExportable(const SequenceDocument& document);
 /// when it is complete. Runs on the calling thread, which needs an event loop, and suspends whenever it
 /// waits, so that the thread's other work goes on; encoding is done elsewhere. Works on its own copy of the
 /// document. Throws `Error`: an `ExportCancelled` once `stop` is requested, else what went wrong.
-[[nodiscard]] QCoro::Task<> exportMovie(SequenceDocument document, QString path, Progress progress = {},
-                                        std::stop_token stop = {}, MakeWriter makeWriter = makeMovieWriter);
+[[nodiscard]] QCoro::Task<> exportMovie(SequenceDocument document, MovieStyle style, QString path,
+                                        Progress progress = {}, std::stop_token stop = {},
+                                        MakeWriter makeWriter = makeMovieWriter);
 
 }  // namespace VideoExporter
 

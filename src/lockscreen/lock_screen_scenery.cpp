@@ -105,7 +105,7 @@ void LockScreenScenery::update(const SequenceDocument& document, const QSize& pi
                                Rendering rendering) {
   // A movie has one wallpaper, whatever happens to the photo while it is made.
   const QImage& wallpaper = wallpaperSource_.filled(
-      document, pixels, rendering == Rendering::Movie ? PhotoChanges::Ignored : PhotoChanges::Followed);
+      document, pixels, rendering == Rendering::Live ? PhotoChanges::Followed : PhotoChanges::Ignored);
   const Scale scale{pixels, pixelsPerPoint, rendering};
   const auto glassOf = [&](const QSizeF& points, double radius) {
     const QSize size = (points * pixelsPerPoint).toSize().expandedTo({1, 1});

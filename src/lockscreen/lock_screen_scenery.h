@@ -26,6 +26,8 @@ class LockScreenScenery {
   /// Wallpaper, status bar, clock, quick actions and home indicator; RGB32. The same image until something
   /// changes.
   [[nodiscard]] const QImage& picture() const { return picture_.last(); }
+  /// What stands behind everything.
+  [[nodiscard]] const QImage& wallpaper() const { return wallpaperSource_.last(); }
   /// What shows through plates.
   [[nodiscard]] const QImage& backdrop() const { return backdrop_.last(); }
   [[nodiscard]] const LockGlass& cardGlass() const { return *glass_.last().card; }

@@ -16,7 +16,7 @@ namespace {
 namespace Metrics = LockScreenMetrics;
 
 /// Finer than this no picture is made; a painter that is scaled further enlarges it.
-constexpr double finestScale = 4;
+constexpr double finestScale = 4.5;
 
 /// Draws a premultiplied picture at any height, fractions of a pixel included.
 void drawAt(QImage& target, const QImage& content, int left, double top, double opacity) {

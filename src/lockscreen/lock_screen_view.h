@@ -24,6 +24,9 @@ class LockScreenCache {
   LockScreenCache(const LockScreenCache&) = delete;
   LockScreenCache& operator=(const LockScreenCache&) = delete;
 
+  /// The wallpaper of the picture painted last.
+  [[nodiscard]] const QImage& wallpaper() const { return scenery_.wallpaper(); }
+
  private:
   friend struct LockScreenView;
 

@@ -2,8 +2,8 @@
 
 namespace brisklet {
 
-/// Whether the lock screen is shown live, or drawn for a movie: then with square corners, plates of material
-/// in place of glass, and every change at once.
-enum class Rendering { Live, Movie };
+/// What a lock screen is drawn for: the stage, with cut corners and glass; a movie, with square corners and
+/// plates of material; or a movie whose cards move, with square corners and the stage's glass.
+enum class Rendering { Live, Movie, MovieInMotion };
 
 }  // namespace brisklet

@@ -29,6 +29,9 @@ class WallpaperSource {
   [[nodiscard]] const QImage& filled(const SequenceDocument& document, const QSize& pixels,
                                      PhotoChanges changes = PhotoChanges::Followed);
 
+  /// The picture last asked for.
+  [[nodiscard]] const QImage& last() const { return image_.last(); }
+
  private:
   /// What decides the picture. For a built-in wallpaper only `name` is set.
   struct Origin {

@@ -36,6 +36,12 @@ class BoundedQueue {
     changed_.notify_all();
   }
 
+  /// Whether `take` returns at once.
+  [[nodiscard]] bool isReady() const {
+    const std::lock_guard lock(mutex_);
+    return !values_.empty() || closed_ || abandoned_;
+  }
+
   /// The next value, waiting for it; nothing once all have been taken from a closed queue, or after
   /// `abandon`.
   [[nodiscard]] std::optional<T> take() {

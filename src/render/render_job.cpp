@@ -3,10 +3,9 @@
 #include "base/output_file.h"
 #include "base/unique_fd.h"
 #include "export/event_loop.h"
+#include "export/frame_pictures.h"
 #include "export/video_exporter.h"
-#include "lockscreen/lock_screen_view.h"
 #include "model/document_json.h"
-#include "playback/sequence_player.h"
 #include "sound/notification_sounds.h"
 #include "sound/wav_file.h"
 
@@ -112,10 +111,7 @@ void checkOutputs(const RenderJob& job, const QString& photo, const QStringList&
 
 QCoro::Task<> saveStill(const SequenceDocument& document, RenderJob job, EventLoopTurn& turn) {
   OutputFile file(job.still);
-  SequencePlayer player(document);
-  player.setElapsedMs(job.stillMs);
-  LockScreenCache cache;
-  const QImage picture = captureFrame({document, player, Rendering::Movie}, cache);
+  const QImage picture = FramePictures(document, job.style).at(job.stillMs);
   co_await turn.pause();
   QByteArray png;
   QBuffer buffer(&png);
@@ -169,7 +165,8 @@ QCoro::Task<> runRenderJob(RenderJob job, QStringList photos, RenderProgress pro
   checkOutputs(job, document.wallpaperUrl, photos);
   if (!job.still.isEmpty()) co_await saveStill(document, job, turn);
   if (!job.soundtrack.isEmpty()) co_await saveSoundtrack(document, job.soundtrack, turn);
-  if (!job.movie.isEmpty()) co_await VideoExporter::exportMovie(document, job.movie, progress, stop);
+  if (!job.movie.isEmpty())
+    co_await VideoExporter::exportMovie(document, job.style, job.movie, progress, stop);
 }
 
 }  // namespace brisklet

@@ -30,7 +30,19 @@ QString asFile(const QString& name) {
   return name.startsWith(u':') ? u"./"_s + name : name;
 }
 
-QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes) {
+QSize pageOf(const QString& text) {
+  const QStringList sides = text.split(u'x');
+  bool isWidth = false, isHeight = false;
+  const QSize size(sides.value(0).toInt(&isWidth), sides.value(1).toInt(&isHeight));
+  if (sides.size() != 2 || !isWidth || !isHeight || !isPage(size))
+    throw UsageError(
+        u"--page takes WIDTHxHEIGHT, both even and from %1 to %2, not \"%3\""_s.arg(shortestPageSide)
+            .arg(longestPageSide)
+            .arg(text));
+  return size;
+}
+
+QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes, const MovieStyle& style) {
   if (scenes.isEmpty()) throw UsageError(u"--into needs at least one scene file"_s);
   QList<RenderJob> jobs;
   QMap<QString, QString> sceneOfMovie;
@@ -43,6 +55,7 @@ QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes) {
     RenderJob job;
     job.scene = scene;
     job.movie = movie;
+    job.style = style;
     jobs.append(job);
   }
   return jobs;
@@ -61,12 +74,14 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   const QCommandLineOption at(u"at"_s, {}, u"SECONDS"_s);
   const QCommandLineOption soundtrack(u"soundtrack"_s, {}, u"WAV"_s);
   const QCommandLineOption into(u"into"_s, {}, u"DIR"_s);
+  const QCommandLineOption motion(u"motion"_s);
+  const QCommandLineOption page(u"page"_s, {}, u"WIDTHxHEIGHT"_s);
   const QCommandLineOption quiet(QStringList{u"q"_s, u"quiet"_s});
   const QCommandLineOption verbose(u"verbose"_s);
   const QCommandLineOption help(QStringList{u"h"_s, u"help"_s});
   const QCommandLineOption version(u"version"_s);
   QCommandLineParser parser;
-  parser.addOptions({still, at, soundtrack, into, quiet, verbose, help, version});
+  parser.addOptions({still, at, soundtrack, into, motion, page, quiet, verbose, help, version});
   // The parser takes the first argument for the program's name.
   if (!parser.parse(QStringList(u"brisklet-render"_s) + arguments)) {
     QString reason = parser.errorText();
@@ -81,7 +96,7 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   options.version = parser.isSet(version);
   if (options.help || options.version) return options;
 
-  for (const QCommandLineOption& option : {still, at, soundtrack, into}) {
+  for (const QCommandLineOption& option : {still, at, soundtrack, into, page}) {
     if (parser.values(option).size() > 1)
       throw UsageError(u"--%1 is given more than once"_s.arg(option.names().first()));
     if (parser.isSet(option) && parser.value(option).isEmpty())
@@ -90,11 +105,14 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   QStringList files = parser.positionalArguments();
   if (files.contains(QString())) throw UsageError(u"a file name is empty"_s);
   for (QString& file : files) file = asFile(file);
+  MovieStyle style;
+  style.inMotion = parser.isSet(motion);
+  if (parser.isSet(page)) style.page = pageOf(parser.value(page));
   if (parser.isSet(into)) {
     if (parser.isSet(still) || parser.isSet(at) || parser.isSet(soundtrack))
       throw UsageError(u"--into makes movies only: leave out --still, --at and --soundtrack"_s);
     options.into = asFile(parser.value(into));
-    options.jobs = jobsInto(options.into, files);
+    options.jobs = jobsInto(options.into, files, style);
     return options;
   }
 
@@ -105,6 +123,7 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   RenderJob job;
   job.scene = files[0];
   job.movie = files.value(1);
+  job.style = style;
   job.still = asFile(parser.value(still));
   job.stillMs = momentMs(parser.isSet(at) ? parser.value(at) : u"end"_s);
   job.soundtrack = asFile(parser.value(soundtrack));
@@ -123,12 +142,15 @@ QString renderUsage() {
   };
   return uR"(Makes a movie of notifications arriving on a lock screen from a scene file.
 
-Usage: brisklet-render SCENE.json [MOVIE.mp4] [--still PICTURE.png [--at SECONDS|end]]
+Usage: brisklet-render SCENE.json [MOVIE.mp4] [--motion] [--page WIDTHxHEIGHT]
+                       [--still PICTURE.png [--at SECONDS|end]]
                        [--soundtrack TONES.wav] [--quiet|--verbose]
-       brisklet-render --into DIR SCENE.json...
+       brisklet-render --into DIR [--motion] [--page WIDTHxHEIGHT] SCENE.json...
 
   SCENE.json            the scene; - reads standard input
   MOVIE.mp4             the movie, 1170 x 2532 at 30 frames per second with sound
+  --motion              the cards move as on the studio's stage
+  --page WIDTHxHEIGHT   the phone on a page of this size, such as 1080x1920, before its blurred wallpaper
   --still PICTURE.png   one picture of the scene, at its end unless --at says when
   --at SECONDS|end      the moment of the picture
   --soundtrack WAV      the movie's sound as a 16-bit stereo WAV file

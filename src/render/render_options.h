@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/error.h"
+#include "model/movie_style.h"
 
 #include <QString>
 #include <QStringList>
@@ -23,6 +24,8 @@ struct RenderJob {
   /// The moment of the still in milliseconds; positive infinity is the finished sequence.
   double stillMs = 0;
   QString soundtrack;
+  /// Of the movie and the still.
+  MovieStyle style;
 
   /// The outputs asked for, in the order in which they are made.
   [[nodiscard]] QStringList outputs() const;

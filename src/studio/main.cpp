@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
   services.fileManager = fileManager.get();
   services.exportMovie = [](SequenceDocument document, QString path, StudioView::Progress progress,
                             std::stop_token stop) {
-    return VideoExporter::exportMovie(std::move(document), std::move(path), std::move(progress),
+    return VideoExporter::exportMovie(std::move(document), {}, std::move(path), std::move(progress),
                                       std::move(stop));
   };
   services.decodeImage = [](const QString& path) { return decodeImageFile(path); };

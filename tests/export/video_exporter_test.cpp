@@ -100,7 +100,7 @@ struct VideoExporterTest : testing::Test {
   QString exported(const SequenceDocument& document, std::stop_token stop = {},
                    const VideoExporter::Progress& progress = {}) {
     try {
-      waitForTask(VideoExporter::exportMovie(document, path, progress, stop, [this](OutputFile) {
+      waitForTask(VideoExporter::exportMovie(document, {}, path, progress, stop, [this](OutputFile) {
         return std::make_unique<ScriptedWriter>(script);
       }));
       return {};
@@ -228,9 +228,9 @@ TEST_F(VideoExporterTest, stoppingEndsTheExportAndLeavesNothing) {
     EXPECT_EQ(entries(), QStringList()) << "the old movie goes when the export begins";
     if (done == 10) stop.request_stop();
   };
-  EXPECT_THROW(
-      waitForTask(VideoExporter::exportMovie(documentWithDelays({100}), path, progress, stop.get_token())),
-      ExportCancelled);
+  EXPECT_THROW(waitForTask(VideoExporter::exportMovie(documentWithDelays({100}), {}, path, progress,
+                                                      stop.get_token())),
+               ExportCancelled);
   EXPECT_EQ(entries(), QStringList());
 }
 
@@ -256,7 +256,7 @@ TEST_F(VideoExporterTest, whatCannotBeAMovieIsRefusedBeforeTheOldFileIsTouched) 
 TEST_F(VideoExporterTest, theMovieShowsWhatTheLockScreenPaintsAndSoundsWhatTheTonesSay) {
   SequenceDocument document = documentWithDelays({500, 900});
   document.wallpaper = "three";
-  waitForTask(VideoExporter::exportMovie(document, path));
+  waitForTask(VideoExporter::exportMovie(document, {}, path));
   const DecodedMovie movie = decodedMovie(path);
 
   ASSERT_EQ(movie.frames.size(), 81u);  // 2700 ms
@@ -305,7 +305,7 @@ TEST_F(VideoExporterTest, aMovieHasOneWallpaperWhateverHappensToThePhoto) {
                                           [this] { EXPECT_TRUE(QFile::remove(file("photo.png"))); }};
   for (const auto& event : events) {
     document.wallpaperUrl = savedPhoto(Qt::red);
-    waitForTask(VideoExporter::exportMovie(document, path, [&event](qint64 framesDone, qint64) {
+    waitForTask(VideoExporter::exportMovie(document, {}, path, [&event](qint64 framesDone, qint64) {
       if (framesDone == 10) event();
     }));
     const DecodedMovie movie = decodedMovie(path);
@@ -318,15 +318,15 @@ TEST_F(VideoExporterTest, aMovieHasOneWallpaperWhateverHappensToThePhoto) {
 
 TEST_F(VideoExporterTest, exportsAtOnceAreTheSameAsOneAfterTheOtherAndTakeNothingForGood) {
   const SequenceDocument first = documentWithDelays({100, 700}), second = documentWithDelays({300});
-  waitForTask(VideoExporter::exportMovie(first, file("a.mp4")));
-  waitForTask(VideoExporter::exportMovie(second, file("b.mp4")));
+  waitForTask(VideoExporter::exportMovie(first, {}, file("a.mp4")));
+  waitForTask(VideoExporter::exportMovie(second, {}, file("b.mp4")));
   const auto taken = [](const QString& what) {
     return QDir("/proc/self/" + what).entryList(QDir::AllEntries | QDir::System).size();
   };
   const qsizetype files = taken("fd"), threads = taken("task");
-  QCoro::Task<> a = VideoExporter::exportMovie(first, file("a at once.mp4"));
-  QCoro::Task<> b = VideoExporter::exportMovie(second, path);
-  QCoro::Task<> c = VideoExporter::exportMovie(second, path);
+  QCoro::Task<> a = VideoExporter::exportMovie(first, {}, file("a at once.mp4"));
+  QCoro::Task<> b = VideoExporter::exportMovie(second, {}, path);
+  QCoro::Task<> c = VideoExporter::exportMovie(second, {}, path);
   for (QCoro::Task<>* task : {&a, &b, &c}) waitForTask(std::move(*task));
   EXPECT_TRUE(read("a at once.mp4") == read("a.mp4"));
   EXPECT_TRUE(read("movie.mp4") == read("b.mp4"));

@@ -296,7 +296,8 @@ TEST_F(BriskletRender, aSceneReachesNothingButThePhotoThatItNames) {
 TEST_F(BriskletRender, anInterruptEndsItWithItsOwnStatusAndLeavesNothing) {
   // A picture every frame for a long time.
   QByteArray scene = R"({"notifications": [)";
-  for (int i = 0; i < 3000; ++i) scene += "{\"delayMs\": " + QByteArray::number(i * 34) + "},";
+  for (int i = 0; i < 3000; ++i)
+    scene += QString(R"({"title": "%1", "delayMs": %2},)").arg(i).arg(i * 34).toUtf8();
   write("long.json", scene + "{}]}");
   write("hours.json", R"({"notifications": [{"delayMs": 20000000}]})");
   write("old", "old");
