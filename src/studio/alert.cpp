@@ -2,12 +2,14 @@
 
 #include "drawing/continuous_corners.h"
 #include "drawing/float_plane.h"
+#include "studio/controls/accessibility.h"
 #include "studio/controls/control_painting.h"
 #include "studio/controls/palette.h"
 #include "studio/controls/studio_button.h"
 #include "studio/top_bar.h"
 
 #include <QAccessibleWidget>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
@@ -32,11 +34,6 @@ class AccessibleAlert : public QAccessibleWidget {
     return state;
   }
 };
-
-QAccessibleInterface* makeInterface(const QString&, QObject* object) {
-  auto* alert = qobject_cast<Alert*>(object);
-  return alert ? new AccessibleAlert(alert) : nullptr;
-}
 
 void paintShadow(QPainter& painter, const QRectF& card) {
   const double reach = 3 * shadowSigma;
@@ -67,13 +64,15 @@ Alert::Alert(QWidget* parent)
     : QWidget(parent),
       confirm_(new StudioButton({}, {}, ButtonLook::Flat, this)),
       cancel_(new StudioButton({}, {}, ButtonLook::Solid, this)) {
-  [[maybe_unused]] static const bool installed = [] {
-    QAccessible::installFactory(makeInterface);
-    return true;
-  }();
+  useAccessibleInterface<Alert, AccessibleAlert>();
   setFocusPolicy(Qt::ClickFocus);
   hide();
   parent->installEventFilter(this);
+  // The window's edges are still within reach, and assistive technology reaches every control.
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, const QWidget* now) {
+    if (isOpen() && now && now->window() == window() && !isAncestorOf(now))
+      cancel_->setFocus(Qt::OtherFocusReason);
+  });
   connect(confirm_, &QAbstractButton::clicked, this, [this] {
     dismiss();
     Q_EMIT confirmed();
@@ -137,8 +136,6 @@ void Alert::place() {
 
 bool Alert::eventFilter(QObject*, QEvent* event) {
   if (event->type() == QEvent::Resize && isOpen()) place();
-  // The window's edges are still within reach, and a click there would leave the focus behind the alert.
-  if (event->type() == QEvent::FocusIn && isOpen()) cancel_->setFocus(Qt::OtherFocusReason);
   return false;
 }
 

@@ -1,6 +1,5 @@
 #include "studio/app_chip.h"
 
-#include "studio/chip_preview.h"
 #include "studio/controls/control_painting.h"
 #include "studio/controls/palette.h"
 

@@ -1,13 +1,12 @@
 #include "studio/inspector.h"
 
 #include "studio/app_chip.h"
-#include "studio/controls/add_ping_button.h"
 #include "studio/controls/chip_grid.h"
 #include "studio/controls/inspector_block.h"
+#include "studio/controls/studio_button.h"
 #include "studio/controls/studio_field.h"
-#include "studio/custom_chip.h"
+#include "studio/picture_chip.h"
 #include "studio/type_chip.h"
-#include "studio/wallpaper_chip.h"
 
 #include <QVBoxLayout>
 
@@ -44,7 +43,7 @@ Inspector::Inspector(QWidget* parent)
       sender_(new StudioField(u"Sender"_s)),
       message_(new StudioField(u"Text"_s)),
       delay_(new StudioField(u"Lands at (seconds)"_s)),
-      addPing_(new AddPingButton) {
+      addPing_(new StudioButton(u"Add ping"_s, {}, ButtonLook::Wide)) {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
@@ -88,11 +87,11 @@ Inspector::Inspector(QWidget* parent)
 
 void Inspector::addWallpapers(ChipGrid* grid) {
   for (const Studio::Wallpaper& wallpaper : Studio::wallpapers()) {
-    auto* chip = new WallpaperChip(wallpaper.id, wallpaper.label);
+    auto* chip = new PictureChip(wallpaper.id, wallpaper.label);
     grid->add(chip);
     connect(chip, &QAbstractButton::clicked, this, [this, chip] { Q_EMIT wallpaperPicked(chip->id()); });
   }
-  photo_ = new CustomChip(WallpaperChip::radius, u"Upload lock screen photo"_s);
+  photo_ = new PictureChip(customId, u"Upload lock screen photo"_s);
   photo_->setToolTip(u"Upload photo"_s);
   grid->add(photo_);
   connect(photo_, &QAbstractButton::clicked, this, &Inspector::photoChipPressed);
@@ -104,9 +103,9 @@ void Inspector::addApps(ChipGrid* grid) {
     grid->add(chip);
     connect(chip, &QAbstractButton::clicked, this, [this, chip] { Q_EMIT appPicked(chip->id()); });
   }
-  auto* custom = new CustomChip(AppChip::radius, u"Custom app"_s);
+  auto* custom = new PictureChip(customId, u"Custom app"_s);
   grid->add(custom);
-  connect(custom, &QAbstractButton::clicked, this, &Inspector::customAppPicked);
+  connect(custom, &QAbstractButton::clicked, this, [this] { Q_EMIT appPicked(customId); });
 }
 
 void Inspector::focusAddPing(Qt::FocusReason reason) {
@@ -114,10 +113,8 @@ void Inspector::focusAddPing(Qt::FocusReason reason) {
 }
 
 void Inspector::setState(const State& state) {
-  for (Chip* chip : wallpapers_->chips()) {
-    const auto* builtIn = qobject_cast<WallpaperChip*>(chip);
-    chip->setSelected(state.wallpaper == (builtIn ? builtIn->id() : customId));
-  }
+  for (Chip* chip : wallpapers_->chips())
+    chip->setSelected(state.wallpaper == static_cast<PictureChip*>(chip)->id());
   wallpapers_->selectionChanged();
   photo_->setPhoto(state.wallpaperUrl);
 

@@ -8,9 +8,9 @@
 
 namespace brisklet {
 
-class AddPingButton;
 class ChipGrid;
-class CustomChip;
+class PictureChip;
+class StudioButton;
 class StudioField;
 
 /// The choices from which pings are made, and the fields of the selected ping. Shows what it is given and
@@ -41,7 +41,6 @@ class Inspector : public QWidget {
   void wallpaperPicked(const QString& id);
   void photoChipPressed();
   void appPicked(const QString& id);
-  void customAppPicked();
   void customAppLabelEdited(const QString& text);
   void typePicked(const PingType& type);
   void senderEdited(const QString& text);
@@ -56,7 +55,7 @@ class Inspector : public QWidget {
   void showDelay(const State& state);
 
   ChipGrid* wallpapers_;
-  CustomChip* photo_ = nullptr;
+  PictureChip* photo_ = nullptr;
   ChipGrid* apps_;
   StudioField* customAppLabel_;
   /// Holds the field and the space above it.
@@ -66,7 +65,7 @@ class Inspector : public QWidget {
   StudioField* sender_;
   StudioField* message_;
   StudioField* delay_;
-  AddPingButton* addPing_;
+  StudioButton* addPing_;
   std::optional<QString> delayOfPing_;
   /// The stored landing time, for the field when its editing ends.
   QString storedDelay_;

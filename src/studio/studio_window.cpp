@@ -98,7 +98,6 @@ void StudioWindow::connectInspector() {
   connect(inspector_, &Inspector::wallpaperPicked, view_.get(), &StudioView::pickWallpaper);
   connect(inspector_, &Inspector::photoChipPressed, view_.get(), &StudioView::pickPhotoChip);
   connect(inspector_, &Inspector::appPicked, view_.get(), &StudioView::pickApp);
-  connect(inspector_, &Inspector::customAppPicked, view_.get(), &StudioView::pickCustomApp);
   connect(inspector_, &Inspector::customAppLabelEdited, view_.get(), &StudioView::setCustomAppLabel);
   connect(inspector_, &Inspector::typePicked, view_.get(), &StudioView::pickType);
   connect(inspector_, &Inspector::senderEdited, view_.get(), &StudioView::setSenderText);

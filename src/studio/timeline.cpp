@@ -48,13 +48,7 @@ void Timeline::setState(const QString& summary, const QList<Ping>& pings,
   list_->setPings(pings, selectedId);
   emptyText_->setVisible(pings.isEmpty());
   list_->setVisible(!pings.isEmpty());
-  if (hasGrown) revealLastRow();
-}
-
-void Timeline::revealLastRow() {
-  if (list_->rowCount() == 0) return;
-  const QRect row = list_->rowRect(list_->rowCount() - 1);
-  Q_EMIT revealRequested(row.translated(list_->mapTo(this, QPoint())));
+  if (hasGrown) Q_EMIT list_->revealRequested(list_->rowRect(list_->rowCount() - 1));
 }
 
 }  // namespace brisklet

@@ -29,8 +29,6 @@ class Timeline : public QWidget {
   void revealRequested(const QRect& rect);
 
  private:
-  void revealLastRow();
-
   InspectorBlock* block_;
   QWidget* emptyText_;
   TimelineList* list_;

@@ -7,6 +7,7 @@
 #include <QAccessibleWidget>
 #include <QHash>
 #include <QPointer>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -14,130 +15,87 @@ namespace brisklet {
 
 namespace {
 
-/// What rows and their buttons share: each stands for a part of the list, found by the ping's id.
+/// A row, or the button that removes it: a part of the list, found by the ping's id.
 class AccessiblePart : public QAccessibleInterface, public QAccessibleActionInterface {
  public:
-  AccessiblePart(TimelineList* list, QString pingId) : list_(list), pingId_(std::move(pingId)) {}
+  /// A button names its row; a row has none.
+  AccessiblePart(TimelineList* list, QString pingId, AccessiblePart* ofRow = nullptr)
+      : list_(list), pingId_(std::move(pingId)), ofRow_(ofRow) {
+    if (!ofRow) remove_ = QAccessible::registerAccessibleInterface(new AccessiblePart(list, pingId_, this));
+  }
+  ~AccessiblePart() override {
+    if (!ofRow_) QAccessible::deleteAccessibleInterface(remove_);
+  }
 
   [[nodiscard]] const QString& pingId() const { return pingId_; }
 
   bool isValid() const override { return list_ && row() >= 0; }
   QObject* object() const override { return nullptr; }
   QWindow* window() const override { return list_ ? list_->window()->windowHandle() : nullptr; }
+  QAccessible::Role role() const override { return ofRow_ ? QAccessible::Button : QAccessible::ListItem; }
   void setText(QAccessible::Text, const QString&) override {}
-  QRect rect() const override {
-    if (!isValid()) return {};
-    const QRect part = area();
-    return {list_->mapToGlobal(part.topLeft()), part.size()};
-  }
-  void* interface_cast(QAccessible::InterfaceType type) override {
-    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
-  }
-  QStringList actionNames() const override { return {pressAction()}; }
-  QStringList keyBindingsForAction(const QString&) const override { return {}; }
-
- protected:
-  [[nodiscard]] qsizetype row() const { return list_->rowOf(pingId_); }
-  [[nodiscard]] TimelineList* list() const { return list_; }
-  /// Within the list.
-  [[nodiscard]] virtual QRect area() const = 0;
-  [[nodiscard]] QAccessible::State visibility() const {
-    QAccessible::State state;
-    state.offscreen = !isValid() || !list_->visibleRegion().intersects(area());
-    state.invisible = !isValid() || !list_->isVisible();
-    return state;
-  }
-
- private:
-  QPointer<TimelineList> list_;
-  QString pingId_;
-};
-
-class AccessibleRow;
-
-class AccessibleRemove : public AccessiblePart {
- public:
-  AccessibleRemove(TimelineList* list, const QString& pingId, AccessibleRow* parent)
-      : AccessiblePart(list, pingId), parent_(parent) {}
-
-  QAccessible::Role role() const override { return QAccessible::Button; }
-  QString text(QAccessible::Text kind) const override {
-    return kind == QAccessible::Name && isValid() ? u"Remove ping %1"_s.arg(row() + 1) : QString();
-  }
-  QAccessible::State state() const override { return visibility(); }
-  QAccessibleInterface* parent() const override;
-  int childCount() const override { return 0; }
-  QAccessibleInterface* child(int) const override { return nullptr; }
-  QAccessibleInterface* childAt(int, int) const override { return nullptr; }
-  int indexOfChild(const QAccessibleInterface*) const override { return -1; }
-  void doAction(const QString& action) override {
-    if (action == pressAction() && isValid()) list()->pressRemove(row());
-  }
-
- protected:
-  QRect area() const override { return list()->removeRect(row()); }
-
- private:
-  AccessibleRow* parent_;
-};
-
-class AccessibleRow : public AccessiblePart {
- public:
-  AccessibleRow(TimelineList* list, const QString& pingId)
-      : AccessiblePart(list, pingId), removeId_(registered(new AccessibleRemove(list, pingId, this))) {}
-  ~AccessibleRow() override { QAccessible::deleteAccessibleInterface(removeId_); }
-
-  QAccessible::Role role() const override { return QAccessible::ListItem; }
   QString text(QAccessible::Text kind) const override {
     if (!isValid()) return {};
-    const Ping& ping = list()->ping(row());
-    if (kind == QAccessible::Name) return timelineRowName(ping, row());
-    if (kind == QAccessible::Description) return u"%1, %2"_s.arg(ping.message, delayLabel(ping.delayMs));
+    const Ping& ping = list_->ping(row());
+    if (kind == QAccessible::Name)
+      return ofRow_ ? u"Remove ping %1"_s.arg(row() + 1) : timelineRowName(ping, row());
+    if (kind == QAccessible::Description && !ofRow_)
+      return u"%1, %2"_s.arg(ping.message, delayLabel(ping.delayMs));
     return {};
   }
   QAccessible::State state() const override {
-    QAccessible::State state = visibility();
-    if (!isValid()) return state;
-    state.selectable = true;
-    state.selected = list()->isSelected(row());
-    state.focusable = true;
-    state.focused = list()->hasFocus() && list()->currentRow() == row();
+    QAccessible::State state;
+    state.offscreen = !isValid() || !list_->visibleRegion().intersects(area());
+    state.invisible = !isValid() || !list_->isVisible();
+    if (ofRow_ || !isValid()) return state;
+    state.selectable = state.focusable = true;
+    state.selected = list_->isSelected(row());
+    state.focused = list_->hasFocus() && list_->currentRow() == row();
     return state;
   }
-  QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(list()); }
-  int childCount() const override { return 1; }
+  QRect rect() const override {
+    return isValid() ? QRect(list_->mapToGlobal(area().topLeft()), area().size()) : QRect();
+  }
+  QAccessibleInterface* parent() const override {
+    return ofRow_ ? ofRow_ : QAccessible::queryAccessibleInterface(list_.data());
+  }
+  int childCount() const override { return ofRow_ ? 0 : 1; }
   QAccessibleInterface* child(int index) const override {
-    return index == 0 ? QAccessible::accessibleInterface(removeId_) : nullptr;
+    return index == 0 && !ofRow_ ? QAccessible::accessibleInterface(remove_) : nullptr;
   }
   QAccessibleInterface* childAt(int x, int y) const override {
-    QAccessibleInterface* remove = child(0);
-    return remove->rect().contains(x, y) ? remove : nullptr;
+    return !ofRow_ && child(0)->rect().contains(x, y) ? child(0) : nullptr;
   }
-  int indexOfChild(const QAccessibleInterface* part) const override { return part == child(0) ? 0 : -1; }
-  QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+  int indexOfChild(const QAccessibleInterface* part) const override {
+    return part && part == child(0) ? 0 : -1;
+  }
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+  }
+  QStringList actionNames() const override {
+    return ofRow_ ? QStringList{pressAction()} : QStringList{pressAction(), setFocusAction()};
+  }
+  QStringList keyBindingsForAction(const QString&) const override { return {}; }
   void doAction(const QString& action) override {
     if (!isValid()) return;
-    if (action == pressAction()) list()->pressRow(row());
-    if (action == setFocusAction()) {
-      list()->setFocus();
-      list()->setCurrentRow(row());
+    if (action == setFocusAction() && !ofRow_) {
+      list_->setFocus();
+      list_->setCurrentRow(row());
     }
+    if (action == pressAction()) ofRow_ ? list_->pressRemove(row()) : list_->pressRow(row());
   }
-
- protected:
-  QRect area() const override { return list()->rowRect(row()); }
 
  private:
-  static QAccessible::Id registered(QAccessibleInterface* part) {
-    return QAccessible::registerAccessibleInterface(part);
-  }
+  [[nodiscard]] qsizetype row() const { return list_->rowOf(pingId_); }
+  /// Within the list.
+  [[nodiscard]] QRect area() const { return ofRow_ ? list_->removeRect(row()) : list_->rowRect(row()); }
 
-  QAccessible::Id removeId_;
+  QPointer<TimelineList> list_;
+  QString pingId_;
+  AccessiblePart* ofRow_;
+  QAccessible::Id remove_ = 0;
 };
-
-QAccessibleInterface* AccessibleRemove::parent() const {
-  return parent_;
-}
 
 class AccessibleTimeline : public QAccessibleWidget {
  public:
@@ -153,11 +111,11 @@ class AccessibleTimeline : public QAccessibleWidget {
     auto known = rowIds_.find(pingId);
     if (known == rowIds_.end())
       known =
-          rowIds_.insert(pingId, QAccessible::registerAccessibleInterface(new AccessibleRow(list(), pingId)));
+          rowIds_.insert(pingId, QAccessible::registerAccessibleInterface(new AccessiblePart(list(), pingId)));
     return QAccessible::accessibleInterface(*known);
   }
   int indexOfChild(const QAccessibleInterface* part) const override {
-    const auto* row = dynamic_cast<const AccessibleRow*>(part);
+    const auto* row = dynamic_cast<const AccessiblePart*>(part);
     return row ? static_cast<int>(list()->rowOf(row->pingId())) : -1;
   }
   QAccessibleInterface* childAt(int x, int y) const override {

@@ -57,30 +57,15 @@ void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QStrin
 void TimelineList::setRows(const QList<Ping>& pings) {
   // A row that looks as before is as high as before.
   QHash<QStringView, const Row*> formerRows;
-  formerRows.reserve(rows_.size());
-  for (const Row& row : rows_) formerRows.insert(row.ping.id, &row);
-
-  bool differs = pings.size() != rows_.size();
-  QList<Row> next;
-  next.reserve(pings.size());
-  int top = 0;
+  const QList<Row> former = std::exchange(rows_, {});
+  for (const Row& row : former) formerRows.insert(row.ping.id, &row);
   for (const Ping& ping : pings) {
-    Row row{ping, top, 0};
-    const Row* former = formerRows.value(ping.id);
-    if (former && looksTheSame(former->ping, ping)) {
-      row.height = former->height;
-    } else {
-      shownRows_.remove(ping.id);
-      row.height = laidOutWidth_ > 0 ? laidOut(row).height() : 0;
-      former = nullptr;
-    }
-    differs |= !former || former->top != top;
-    top += row.height + rowSpacing;
-    next.append(std::move(row));
+    const Row* same = formerRows.value(ping.id);
+    if (same && !looksTheSame(same->ping, ping)) same = nullptr;
+    if (!same) shownRows_.remove(ping.id);
+    rows_.append({ping, 0, same ? same->height : 0});
   }
-  rows_ = std::move(next);
-  setFixedHeight(rowsHeight());
-  if (differs) update();
+  layOut();
 }
 
 void TimelineList::setSelected(const std::optional<QString>& id) {
@@ -134,20 +119,14 @@ bool TimelineList::isMarked() const {
   return mark_->isShown();
 }
 
-int TimelineList::rowsHeight() const {
-  return rows_.isEmpty() ? 0 : rows_.last().top + rows_.last().height;
-}
-
-void TimelineList::layOut(int width) {
-  laidOutWidth_ = width;
-  shownRows_.clear();
+void TimelineList::layOut() {
   int top = 0;
   for (Row& row : rows_) {
     row.top = top;
-    row.height = laidOut(row).height();
+    if (row.height == 0 && laidOutWidth_ > 0) row.height = laidOut(row).height();
     top += row.height + rowSpacing;
   }
-  setFixedHeight(rowsHeight());
+  setFixedHeight(std::max(0, top - rowSpacing));
   markCurrentRow();
   update();
 }
@@ -160,7 +139,11 @@ const TimelineRow& TimelineList::laidOut(const Row& row) {
 }
 
 void TimelineList::resizeEvent(QResizeEvent*) {
-  if (width() != laidOutWidth_) layOut(width());
+  if (width() == laidOutWidth_) return;
+  laidOutWidth_ = width();
+  shownRows_.clear();
+  for (Row& row : rows_) row.height = 0;
+  layOut();
 }
 
 TimelineList::Spot TimelineList::spotAt(const QPoint& at) const {
@@ -254,6 +237,10 @@ void TimelineList::mouseReleaseEvent(QMouseEvent* event) {
     pressRemove(pressed.row);
   else
     pressRow(pressed.row);
+}
+
+void TimelineList::mouseDoubleClickEvent(QMouseEvent*) {
+  // One press already did what was meant. The next row may have moved under the pointer since.
 }
 
 void TimelineList::leaveEvent(QEvent*) {

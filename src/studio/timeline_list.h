@@ -54,6 +54,7 @@ class TimelineList : public QWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
   void leaveEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
@@ -79,9 +80,8 @@ class TimelineList : public QWidget {
   void setPressed(const Spot& spot);
   void updateRow(qsizetype row);
   void markCurrentRow();
-  /// Measures the rows again for this width.
-  void layOut(int width);
-  [[nodiscard]] int rowsHeight() const;
+  /// Measures the rows that have no height yet, and puts all in their places.
+  void layOut();
   const TimelineRow& laidOut(const Row& row);
 
   QList<Row> rows_;

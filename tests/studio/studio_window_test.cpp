@@ -4,7 +4,6 @@
 #include "model/catalogue.h"
 #include "studio/alert.h"
 #include "studio/brisklet_app.h"
-#include "studio/controls/add_ping_button.h"
 #include "studio/controls/chip.h"
 #include "studio/controls/column_area.h"
 #include "studio/controls/focus_mark.h"
@@ -13,7 +12,7 @@
 #include "studio/controls/rule.h"
 #include "studio/controls/studio_button.h"
 #include "studio/controls/studio_field.h"
-#include "studio/controls/studio_label.h"
+#include "studio/controls/studio_text.h"
 #include "studio/stage.h"
 #include "studio/timeline_list.h"
 #include "studio/top_bar.h"
@@ -163,7 +162,7 @@ TEST_F(StudioWindowTest, blocksFollowEachOtherWithTheirMargins) {
   EXPECT_EQ(place(chip("One")), QRect(18, 96, 44, 44));
   EXPECT_EQ(place(chip("Upload lock screen photo")), QRect(18 + wallpapers % 5 * 52, apps - 18 - 44, 44, 44));
   EXPECT_EQ(place(chip("Comment")), QRect(18 + 123 + 6, types + 43, 123, 28));
-  EXPECT_EQ(place(the<AddPingButton>()), QRect(18, ping + 43 + 130, 252, 34));
+  EXPECT_EQ(place(button("Add ping")), QRect(18, ping + 43 + 130, 252, 34));
 }
 
 TEST_F(StudioWindowTest, whatIsSelectedAndWhatIsOfNoUseIsSeen) {
@@ -205,7 +204,7 @@ TEST_F(StudioWindowTest, chipsCommandAndFollow) {
   }
   press(chip("Three"));
   EXPECT_EQ(view().document().wallpaper, "three");
-  press(the<AddPingButton>());
+  press(button("Add ping"));
   EXPECT_EQ(the<TimelineList>()->rowCount(), 1);
 
   StudioLineEdit *app = field("App name"), *delay = field("Lands at (seconds)");
@@ -282,7 +281,7 @@ TEST_F(StudioWindowTest, arrowsWalkAGridAndKeysPress) {
     EXPECT_TRUE(chip(step.focused)->hasFocus() && isMarked(chip(step.focused))) << step.focused.toStdString();
     EXPECT_EQ(view().selectedTypeId(), step.chosenType);
   }
-  the<AddPingButton>()->setFocus();
+  button("Add ping")->setFocus();
   key(Qt::Key_Return);
   EXPECT_EQ(view().document().notifications.size(), 1);
   named<QAbstractButton>("Minimise")->setFocus(Qt::TabFocusReason);
@@ -329,15 +328,16 @@ TEST_F(StudioWindowTest, keysWorkTheTimeline) {
   EXPECT_EQ(list->rowCount(), 39) << "A key that is held removes one.";
   for (int i = 0; i < 40; ++i) key(Qt::Key_Delete);
   EXPECT_EQ(list->rowCount(), 0);
-  EXPECT_TRUE(the<AddPingButton>()->hasFocus() && isMarked(the<AddPingButton>()));
+  EXPECT_TRUE(button("Add ping")->hasFocus() && isMarked(button("Add ping")));
   EXPECT_EQ(view().document().title, "Untitled");
 }
 
 TEST_F(StudioWindowTest, removeButtonIsNoTapOnItsRow) {
   addPings(2);
   TimelineList* list = the<TimelineList>();
-  QTest::mouseClick(list, Qt::LeftButton, {}, list->removeRect(0).center());
-  EXPECT_EQ(list->rowCount(), 1);
+  QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, {},
+                     list->mapTo(window, list->removeRect(0).center()));
+  EXPECT_EQ(list->rowCount(), 1) << "A double click removes one.";
   // Let go beside the button, nothing is removed.
   QTest::mousePress(list, Qt::LeftButton, {}, list->removeRect(0).center());
   QTest::mouseRelease(list, Qt::LeftButton, {}, list->rowRect(0).center());
@@ -443,7 +443,7 @@ TEST_F(StudioWindowTest, exportIsSeenOnTheRuleAndItsFailureInAnAlert) {
   window->resize(1320, 861);  // which raises the window's edges
   QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, {1, 400});
   EXPECT_EQ(QApplication::focusWidget(), button("OK"));
-  EXPECT_EQ(window->childAt(place(the<AddPingButton>()).center()), alert);
+  EXPECT_EQ(window->childAt(place(button("Add ping")).center()), alert);
   key(Qt::Key_Return);
   EXPECT_FALSE(alert->isOpen());
   EXPECT_TRUE(view().error().isEmpty());

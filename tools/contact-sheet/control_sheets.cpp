@@ -5,19 +5,17 @@
 #include "sheets.h"
 #include "studio/alert.h"
 #include "studio/app_chip.h"
-#include "studio/controls/add_ping_button.h"
 #include "studio/controls/column_area.h"
 #include "studio/controls/palette.h"
 #include "studio/controls/rule.h"
 #include "studio/controls/studio_button.h"
 #include "studio/controls/studio_field.h"
 #include "studio/controls/window_button.h"
-#include "studio/custom_chip.h"
+#include "studio/picture_chip.h"
 #include "studio/studio_window.h"
 #include "studio/timeline_list.h"
 #include "studio/top_bar.h"
 #include "studio/type_chip.h"
-#include "studio/wallpaper_chip.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -146,18 +144,18 @@ void addButtons(Sheet& sheet) {
       {u"WindowButton"_s, Studio::white, {}, usable, windowButton(u"window.minimise"_s)},
       {{}, Studio::white, {}, usable, windowButton(u"window.zoom"_s)},
       {{}, Studio::white, {}, usable, windowButton(u"window.close"_s)},
-      {u"AddPingButton"_s, Studio::paper, {252, 34}, usable, [] { return new AddPingButton; }},
+      {u"wide"_s, Studio::paper, {252, 34}, usable, button(u"Add ping"_s, {}, ButtonLook::Wide)},
       {u"TypeChip"_s,
        Studio::paper,
        {122, 28},
        chips,
        [] { return new TypeChip(PingType::types(u"instagram"_s).at(1)); }},
-      {u"WallpaperChip"_s, Studio::paper, {44, 44}, chips, [] { return new WallpaperChip(u"one"_s, {}); }},
-      {u"CustomChip"_s,
+      {u"PictureChip"_s, Studio::paper, {44, 44}, chips, [] { return new PictureChip(u"one"_s, {}); }},
+      {u"of the user's own"_s,
        Studio::paper,
        {44, 44},
        chips,
-       [] { return new CustomChip(WallpaperChip::radius, {}); }},
+       [] { return new PictureChip(customId, {}); }},
       {u"AppChip"_s,
        Studio::paper,
        {36, 36},
@@ -385,7 +383,7 @@ QImage studioSheet(const QString&) {
       {u"200 pings, a custom app, the least size"_s, StudioWindow::leastSize,
        [](StudioWindow& window) {
          addPings(window.view(), 200);
-         window.view().pickCustomApp();
+         window.view().pickApp(customId);
          window.view().setCustomAppLabel(u"Budget"_s);
        }},
       {u"long, right-to-left and empty texts"_s, StudioWindow::defaultSize, longTexts},

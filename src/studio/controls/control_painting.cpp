@@ -1,6 +1,7 @@
 #include "studio/controls/control_painting.h"
 
 #include "drawing/continuous_corners.h"
+#include "studio/controls/palette.h"
 
 #include <QPainterPath>
 #include <algorithm>
@@ -69,6 +70,12 @@ void paintOutline(QPainter& painter, const RoundedBox& box) {
   ring.addPath(inside(rect, box.radius, wholePixels(painter, box.outlineWidth)));
   ring.setFillRule(Qt::OddEvenFill);
   painter.fillPath(ring, box.outline);
+}
+
+void paintSelectionGap(QPainter& painter, const RoundedBox& box) {
+  const double width = box.outlineWidth;
+  paintOutline(painter,
+               {box.rect.adjusted(width, width, -width, -width), box.radius - width, Studio::white, 1});
 }
 
 void paintRule(QPainter& painter, const QRectF& rect, const QColor& color) {

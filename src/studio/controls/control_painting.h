@@ -34,6 +34,9 @@ void paintPicture(QPainter& painter, const RoundedBox& box, const QImage& pictur
 /// The outline alone.
 void paintOutline(QPainter& painter, const RoundedBox& box);
 
+/// A white hairline within a selected tile's outline, so that the outline is seen around dark tiles too.
+void paintSelectionGap(QPainter& painter, const RoundedBox& box);
+
 /// A horizontal line: as thick as the rectangle is high, in whole pixels, and with its lower edge.
 void paintRule(QPainter& painter, const QRectF& rect, const QColor& color);
 

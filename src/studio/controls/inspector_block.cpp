@@ -2,7 +2,7 @@
 
 #include "studio/controls/control_painting.h"
 #include "studio/controls/palette.h"
-#include "studio/controls/studio_label.h"
+#include "studio/controls/studio_text.h"
 
 #include <QPainter>
 

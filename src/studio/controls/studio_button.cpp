@@ -17,8 +17,10 @@ constexpr double symbolFontSize = 11, disabledOpacity = 0.4;
 
 StudioButton::StudioButton(const QString& title, const QString& systemImage, ButtonLook look, QWidget* parent)
     : StudioControl(radius, parent), systemImage_(systemImage), look_(look) {
-  setFixedHeight(buttonHeight);
-  setCursor(Qt::PointingHandCursor);
+  const bool isWide = look == ButtonLook::Wide;
+  setFixedHeight(isWide ? wideHeight : buttonHeight);
+  if (isWide) setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  setCursor(isWide ? Qt::ArrowCursor : Qt::PointingHandCursor);
   setTitle(title);
 }
 
@@ -54,7 +56,7 @@ QSize StudioButton::sizeHint() const {
   const double margin = look_ == ButtonLook::Solid ? solidMargin : flatMargin;
   double width = 2 * margin + line_.width();
   if (!systemImage_.isEmpty()) width += symbolSize(systemImage_, symbolFontSize).width() + spacing;
-  return {static_cast<int>(std::ceil(width)), buttonHeight};
+  return {static_cast<int>(std::ceil(width)), height()};
 }
 
 void StudioButton::paintEvent(QPaintEvent*) {
@@ -62,17 +64,19 @@ void StudioButton::paintEvent(QPaintEvent*) {
   setUpPainter(painter);
   if (!isEnabled()) painter.setOpacity(disabledOpacity);
 
-  const bool solid = look_ == ButtonLook::Solid;
+  const bool solid = look_ == ButtonLook::Solid, isWide = look_ == ButtonLook::Wide;
   const RoundedBox box{.rect = rect(), .radius = radius};
   if (solid)
     paintBox(painter, box, isDown() ? Studio::pressedInk : isHovered() ? Studio::hoveredInk : Studio::ink);
-  else
-    paintBox(painter, box, veil());
+  else if (isWide)
+    paintBox(painter, {rect(), radius, isHovered() || isDown() ? Studio::hoveredLine : Studio::line, 1},
+             Studio::white);
+  if (!solid && (!isWide || isDown())) paintBox(painter, box, veil());
 
   const QColor color = solid ? Studio::white : Studio::ink;
   // Where the button is wider than its content, the content stands in its middle.
   const int spare = (width() - sizeHint().width()) / 2;
-  double x = (solid ? solidMargin : flatMargin) + spare;
+  double x = isWide ? (width() - line_.width()) / 2 : (solid ? solidMargin : flatMargin) + spare;
   if (!systemImage_.isEmpty()) {
     const double symbolWidth = symbolSize(systemImage_, symbolFontSize).width();
     drawSymbol(painter, systemImage_, symbolFontSize, {x + symbolWidth / 2, height() / 2.0}, color);

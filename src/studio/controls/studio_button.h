@@ -7,15 +7,19 @@
 
 namespace brisklet {
 
-enum class ButtonLook { Flat, Solid };
+enum class ButtonLook {
+  Flat,
+  Solid,
+  Wide  // outlined, and as wide as its block
+};
 
-/// A button of the top bar.
+/// A button with a title.
 class StudioButton : public StudioControl {
   Q_OBJECT
 
  public:
   /// Points.
-  static constexpr int buttonHeight = 32, radius = 7, spacing = 6, flatMargin = 10, solidMargin = 12;
+  static constexpr int buttonHeight = 32, wideHeight = 34, radius = 7, spacing = 6, flatMargin = 10, solidMargin = 12;
 
   static constexpr TextStyle titleStyle{13, FontWeight::Medium};
 

@@ -4,7 +4,6 @@
 #include "studio/controls/control_painting.h"
 #include "studio/controls/palette.h"
 
-#include <QDialog>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyleFactory>
@@ -18,80 +17,44 @@ namespace brisklet {
 
 namespace {
 
-constexpr int tooltipMargin = 5, controlHeight = 32, buttonSideMargin = 6, fieldMargin = 6;  // pt
-constexpr int dialogMargin = 16, listRowHeight = 26, menuEntryRoom = 4, menuMargin = 4;      // pt
-constexpr int scrollBarWidth = 12, scrollThumbInset = 3, leastScrollThumb = 42;              // pt
-constexpr double radius = 7, innerRadius = 5, chevronSize = 11;                              // pt
+constexpr int tooltipMargin = 5, controlHeight = 32, buttonSideMargin = 6, fieldMargin = 6, listRowHeight = 26;  // pt
+constexpr int scrollBarWidth = 12, scrollThumbInset = 3, leastScrollThumb = 42;             // pt
+constexpr double radius = 7, chevronSize = 11;                                              // pt
 
 /// What a file dialog shows in its bars and beside its files.
 constexpr std::pair<QStyle::StandardPixmap, QStringView> symbols[] = {
     {QStyle::SP_ArrowBack, u"chevron.left"},
-    {QStyle::SP_FileDialogBack, u"chevron.left"},
     {QStyle::SP_ArrowForward, u"chevron.right"},
     {QStyle::SP_FileDialogToParent, u"arrow.up"},
     {QStyle::SP_FileDialogNewFolder, u"folder.plus"},
     {QStyle::SP_FileDialogListView, u"square.grid"},
     {QStyle::SP_FileDialogDetailedView, u"list"},
     {QStyle::SP_DirIcon, u"folder"},
-    {QStyle::SP_DirLinkIcon, u"folder"},
     {QStyle::SP_DirHomeIcon, u"folder"},
     {QStyle::SP_FileIcon, u"doc"},
-    {QStyle::SP_FileLinkIcon, u"doc"},
     {QStyle::SP_ComputerIcon, u"desktop"},
-    {QStyle::SP_DesktopIcon, u"desktop"},
-    {QStyle::SP_DriveHDIcon, u"desktop"},
 };
-
-/// Sharp at the sizes that dialogs ask for on screens of every scale.
-QIcon symbolIcon(const QString& name) {
-  QIcon icon;
-  for (const int size : {16, 20, 24, 32, 48}) {
-    QPixmap pixels(size, size);
-    pixels.fill(Qt::transparent);
-    QPainter painter(&pixels);
-    drawSymbol(painter, name, size, QRectF(pixels.rect()).center(), Studio::mute);
-    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected}) icon.addPixmap(pixels, mode);
-  }
-  return icon;
-}
 
 bool isDefault(const QStyleOption* option) {
   const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
   return button && (button->features & QStyleOptionButton::DefaultButton);
 }
 
-void paintFocus(QPainter& painter, const QStyleOption& option, double cornerRadius) {
-  if ((option.state & QStyle::State_HasFocus) && (option.state & QStyle::State_KeyboardFocusChange))
-    paintOutline(painter, {option.rect, cornerRadius, Studio::focus, 2});
-}
-
 /// A box that can be pressed or written into, in its state.
 void paintControl(QPainter& painter, const QStyleOption& option, bool isSolid = false) {
-  const QStyle::State state = option.state;
-  const bool isUsable = state & QStyle::State_Enabled;
-  const bool isHovered = isUsable && (state & QStyle::State_MouseOver);
-  const bool isDown = state & QStyle::State_Sunken;
-  RoundedBox box{option.rect, radius};
+  const bool isUsable = option.state & QStyle::State_Enabled;
+  const bool isHovered = isUsable && (option.state & QStyle::State_MouseOver);
+  const bool isDown = option.state & QStyle::State_Sunken;
+  RoundedBox box{option.rect, radius, isHovered ? Studio::hoveredLine : Studio::line, isSolid ? 0.0 : 1.0};
   if (!isUsable) painter.setOpacity(0.4);
-  if (isSolid) {
-    paintBox(painter, box, isDown ? Studio::pressedInk : isHovered ? Studio::hoveredInk : Studio::ink);
-  } else {
-    box.outline = isHovered ? Studio::hoveredLine : Studio::line;
-    box.outlineWidth = 1;
-    paintBox(painter, box, Studio::white);
-    if (isDown) paintBox(painter, {.rect = option.rect, .radius = radius}, Studio::pressVeil);
-  }
-  paintFocus(painter, option, radius);
-}
-
-/// A button without a box of its own.
-void paintToolButton(QPainter& painter, const QStyleOption& option) {
-  const bool isOn = option.state & (QStyle::State_On | QStyle::State_Sunken);
-  const bool isHovered = (option.state & QStyle::State_MouseOver) && (option.state & QStyle::State_Enabled);
-  if (isOn || isHovered)
-    paintBox(painter, {.rect = option.rect, .radius = innerRadius},
-             isOn ? Studio::pressVeil : Studio::hoverVeil);
-  paintFocus(painter, option, innerRadius);
+  paintBox(painter, box,
+           !isSolid    ? Studio::white
+           : isDown    ? Studio::pressedInk
+           : isHovered ? Studio::hoveredInk
+                       : Studio::ink);
+  if (isDown && !isSolid) paintBox(painter, {.rect = option.rect, .radius = radius}, Studio::pressVeil);
+  if ((option.state & QStyle::State_HasFocus) && (option.state & QStyle::State_KeyboardFocusChange))
+    paintOutline(painter, {option.rect, radius, Studio::focus, 2});
 }
 
 /// A thumb alone, over what it scrolls.
@@ -118,81 +81,53 @@ void StudioStyle::polish(QWidget* widget) {
 
 void StudioStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                 const QWidget* widget) const {
+  const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+  QStyleOption field(*option);
   painter->save();
   setUpPainter(*painter);
   switch (element) {
     case PE_PanelTipLabel:
       paintBox(*painter, {option->rect, 0, Studio::hoveredLine, 1}, Studio::white);
       break;
-    case PE_Frame:
-      paintBox(*painter, {option->rect, 0, Studio::line, 1}, Qt::transparent);
-      break;
     case PE_PanelButtonCommand:
       paintControl(*painter, *option, isDefault(option));
       break;
-    case PE_PanelButtonTool:
-      paintToolButton(*painter, *option);
-      break;
-    case PE_PanelLineEdit: {
-      const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
-      if (!frame || frame->lineWidth == 0) break;
+    case PE_PanelLineEdit:
       // Fields are always sunken, and marked however they came into focus.
-      QStyleOption field(*option);
       field.state = (field.state & ~State_Sunken) | State_KeyboardFocusChange;
-      paintControl(*painter, field);
+      if (frame && frame->lineWidth > 0) paintControl(*painter, field);
       break;
-    }
     case PE_FrameFocusRect:
     case PE_FrameDefaultButton:
       break;
     default:
-      painter->restore();
       QProxyStyle::drawPrimitive(element, option, painter, widget);
-      return;
   }
   painter->restore();
 }
 
 void StudioStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                               const QWidget* widget) const {
-  switch (element) {
-    case CE_PushButtonLabel: {
-      const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
-      if (!button || !isDefault(option)) break;
-      QStyleOptionButton solid(*button);
-      solid.palette.setColor(QPalette::ButtonText, Studio::white);
-      QProxyStyle::drawControl(element, &solid, painter, widget);
-      return;
-    }
-    case CE_HeaderSection:
-    case CE_HeaderEmptyArea:
-      painter->fillRect(option->rect, Studio::white);
-      paintRule(*painter, QRectF(option->rect.left(), option->rect.bottom(), option->rect.width(), 1),
-                Studio::line);
-      return;
-    case CE_Splitter:
-    case CE_SizeGrip:
-      return;
-    default:
-      break;
-  }
-  QProxyStyle::drawControl(element, option, painter, widget);
+  const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+  if (element != CE_PushButtonLabel || !isDefault(option))
+    return QProxyStyle::drawControl(element, option, painter, widget);
+  QStyleOptionButton solid(*button);
+  solid.palette.setColor(QPalette::ButtonText, Studio::white);
+  QProxyStyle::drawControl(element, &solid, painter, widget);
 }
 
 void StudioStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                      QPainter* painter, const QWidget* widget) const {
-  if (control != CC_ComboBox && control != CC_ScrollBar) {
-    QProxyStyle::drawComplexControl(control, option, painter, widget);
-    return;
-  }
   painter->save();
-  setUpPainter(*painter);
+  if (control == CC_ComboBox || control == CC_ScrollBar) setUpPainter(*painter);
   if (control == CC_ComboBox) {
     paintControl(*painter, *option);
     const QRectF arrow = subControlRect(control, option, SC_ComboBoxArrow, widget);
     drawSymbol(*painter, u"chevron.down"_s, chevronSize, arrow.center(), Studio::mute);
-  } else {
+  } else if (control == CC_ScrollBar) {
     paintScrollBar(*painter, *option, subControlRect(control, option, SC_ScrollBarSlider, widget));
+  } else {
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
   }
   painter->restore();
 }
@@ -200,11 +135,7 @@ void StudioStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
 QRect StudioStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                   const QWidget* widget) const {
   const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
-  if (control != CC_ScrollBar || !bar) {
-    const QRect place = QProxyStyle::subControlRect(control, option, part, widget);
-    return part == SC_ComboBoxEditField && control == CC_ComboBox ? place.adjusted(fieldMargin, 0, 0, 0)
-                                                                  : place;
-  }
+  if (control != CC_ScrollBar || !bar) return QProxyStyle::subControlRect(control, option, part, widget);
   // The arrows at the ends lie outside, and the groove takes their room.
   const QPoint arrow =
       bar->orientation == Qt::Horizontal ? QPoint(scrollBarWidth, 0) : QPoint(0, scrollBarWidth);
@@ -217,35 +148,22 @@ QRect StudioStyle::subElementRect(SubElement element, const QStyleOption* option
                                   const QWidget* widget) const {
   const QRect place = QProxyStyle::subElementRect(element, option, widget);
   const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
-  return element == SE_LineEditContents && frame && frame->lineWidth > 0
-             ? place.adjusted(fieldMargin, 0, -fieldMargin, 0)
-             : place;
+  const bool isBox = element == SE_LineEditContents && frame && frame->lineWidth > 0;
+  return isBox ? place.adjusted(fieldMargin, 0, -fieldMargin, 0) : place;
 }
 
 QSize StudioStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
                                     const QWidget* widget) const {
   QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
-  switch (type) {
-    case CT_PushButton:
-      size.rwidth() += 2 * buttonSideMargin;
-      [[fallthrough]];
-    case CT_LineEdit:
-    case CT_ComboBox:
-      size.setHeight(std::max(size.height(), controlHeight));
-      break;
-    case CT_ItemViewItem:
-      size.setHeight(std::max(size.height(), listRowHeight));
-      break;
-    case CT_MenuItem:
-      size.rheight() += menuEntryRoom;
-      break;
-    default:
-      break;
-  }
+  if (type == CT_PushButton) size.rwidth() += 2 * buttonSideMargin;
+  if (type == CT_ItemViewItem) size.setHeight(std::max(size.height(), listRowHeight));
+  if (type == CT_PushButton || type == CT_LineEdit || type == CT_ComboBox)
+    size.setHeight(std::max(size.height(), controlHeight));
   return size;
 }
 
 int StudioStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+  const auto* bar = qobject_cast<const QScrollBar*>(widget);
   switch (metric) {
     case PM_ToolTipLabelFrameWidth:
       return tooltipMargin;
@@ -253,24 +171,13 @@ int StudioStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
       return scrollBarWidth;
     case PM_ScrollBarSliderMin:
       return leastScrollThumb;
-    case PM_ScrollView_ScrollBarOverlap: {
-      const auto* bar = qobject_cast<const QScrollBar*>(widget);
-      return bar && bar->orientation() == Qt::Vertical ? scrollBarWidth : 0;
-    }
-    case PM_MenuVMargin:
-      return menuMargin;
     case PM_ListViewIconSize:
-      return pixelMetric(PM_SmallIconSize, option, widget);
-    case PM_LayoutLeftMargin:
-    case PM_LayoutTopMargin:
-    case PM_LayoutRightMargin:
-    case PM_LayoutBottomMargin:
-      if (qobject_cast<const QDialog*>(widget)) return dialogMargin;
-      break;
+      return QProxyStyle::pixelMetric(PM_SmallIconSize, option, widget);
+    case PM_ScrollView_ScrollBarOverlap:
+      return bar && bar->orientation() == Qt::Vertical ? scrollBarWidth : 0;
     default:
-      break;
+      return QProxyStyle::pixelMetric(metric, option, widget);
   }
-  return QProxyStyle::pixelMetric(metric, option, widget);
 }
 
 int StudioStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -281,9 +188,19 @@ int StudioStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
 
 QIcon StudioStyle::standardIcon(StandardPixmap icon, const QStyleOption* option,
                                 const QWidget* widget) const {
-  for (const auto& [standard, name] : symbols)
-    if (standard == icon) return symbolIcon(name.toString());
-  return QProxyStyle::standardIcon(icon, option, widget);
+  const auto* known = std::find_if(std::begin(symbols), std::end(symbols),
+                                   [icon](const auto& symbol) { return symbol.first == icon; });
+  if (known == std::end(symbols)) return QProxyStyle::standardIcon(icon, option, widget);
+  // Sharp at the sizes that dialogs ask for on screens of every scale.
+  QIcon drawn;
+  for (const int size : {16, 20, 24, 32, 48}) {
+    QPixmap pixels(size, size);
+    pixels.fill(Qt::transparent);
+    QPainter painter(&pixels);
+    drawSymbol(painter, known->second.toString(), size, QRectF(pixels.rect()).center(), Studio::mute);
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Selected}) drawn.addPixmap(pixels, mode);
+  }
+  return drawn;
 }
 
 }  // namespace brisklet

@@ -1,6 +1,7 @@
 #include "studio/controls/studio_text.h"
 
 #include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
 
 #include <QPainter>
 #include <cmath>
@@ -42,6 +43,11 @@ void StudioText::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   setUpPainter(painter);
   line_.draw(painter, {0, centredBaseline(painter, 0, height(), baselineStyle_)}, color_);
+}
+
+StudioLabel::StudioLabel(const QString& text, QWidget* parent)
+    : StudioText({11, FontWeight::Semibold, 0.6}, Studio::mute, parent, LetterCase::Upper) {
+  setText(text);
 }
 
 }  // namespace brisklet

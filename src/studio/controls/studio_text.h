@@ -42,4 +42,12 @@ class StudioText : public QLabel {
   TabularText line_;
 };
 
+/// The title of a section.
+class StudioLabel : public StudioText {
+  Q_OBJECT
+
+ public:
+  explicit StudioLabel(const QString& text, QWidget* parent = nullptr);
+};
+
 }  // namespace brisklet

@@ -234,10 +234,6 @@ void StudioView::pickApp(const QString& id) {
   });
 }
 
-void StudioView::pickCustomApp() {
-  pickApp(customId);
-}
-
 void StudioView::selectPing(const Ping& ping) {
   if (isSelected(ping.id)) return clearSelection();
   change([&ping](State& state) {

@@ -114,7 +114,6 @@ class StudioView : public QObject {
   void setCustomAppLabel(const QString& label);
   /// What the chips do.
   void pickApp(const QString& id);
-  void pickCustomApp();
   void pickType(const PingType& type);
   void pickWallpaper(const QString& id);
   /// Goes back to the stored photo, or asks for a new one when there is none or it is shown already.

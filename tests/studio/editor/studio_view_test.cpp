@@ -175,7 +175,7 @@ TEST_F(StudioViewTest, aCustomAppTakesItsNameAndIconFromTheField) {
       {"👩‍👧x", "👩‍👧x", "👩‍👧"},
       {"e\u0301a", "e\u0301a", "E\u0301"},
   };
-  view->pickCustomApp();
+  view->pickApp("custom");
   for (const auto& [typed, label, icon] : cases) {
     view->setCustomAppLabel(typed);
     view->addPing();
@@ -223,7 +223,7 @@ TEST_F(StudioViewTest, appAndTemplateRewriteTheSelectedPingsTextsOnly) {
 TEST_F(StudioViewTest, selectingAPingFindsItsAppAndTemplate) {
   view->pickType(viral);
   view->addPing();
-  view->pickCustomApp();
+  view->pickApp("custom");
   view->setCustomAppLabel("Zed");
   view->setMessageText("my own words");
   view->addPing();
@@ -268,7 +268,7 @@ TEST_F(StudioViewTest, startingNewForgetsEverythingButARunningExport) {
   addPings(3);
   view->selectPing(ping(1));
   view->setTitle("Launch");
-  view->pickCustomApp();
+  view->pickApp("custom");
   view->setCustomAppLabel("Zed");
   beginExport("/movies/launch.mp4");
   choosePhoto("/photos/broken.png");

@@ -6,13 +6,18 @@
 
 namespace brisklet {
 
-/// A choice of the user's own making: a plus, or the photo that they chose.
-class CustomChip : public Chip {
+/// A square choice: a built-in wallpaper, or one of the user's own making, which is a plus until it has a
+/// photo.
+class PictureChip : public Chip {
   Q_OBJECT
 
  public:
-  CustomChip(double cornerRadius, const QString& label, QWidget* parent = nullptr);
+  static constexpr double radius = 9;  // points
 
+  /// `id` is also the name of the built-in picture, if there is one.
+  PictureChip(const QString& id, const QString& label, QWidget* parent = nullptr);
+
+  [[nodiscard]] const QString& id() const { return id_; }
   /// The path of the photo; empty when there is none. It is read once.
   void setPhoto(const QString& path);
   [[nodiscard]] QSize sizeHint() const override { return {44, 44}; }
@@ -21,6 +26,7 @@ class CustomChip : public Chip {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  QString id_;
   QString path_;
   QImage preview_;
 };

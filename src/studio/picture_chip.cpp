@@ -1,0 +1,62 @@
+#include "studio/picture_chip.h"
+
+#include "drawing/image_decoder.h"
+#include "drawing/symbol_image.h"
+#include "lockscreen/bundle_image.h"
+#include "lockscreen/wallpaper.h"
+#include "model/catalogue.h"
+#include "model/color.h"
+#include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
+
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace brisklet {
+
+namespace {
+
+constexpr double plusFontSize = 16;  // pt
+/// The largest chip at three pixels a point, and some.
+constexpr int previewPixels = 192;
+
+/// A copy of a picture, square, small enough to be kept and large enough for a chip on any screen.
+QImage previewOf(const std::optional<QImage>& picture) {
+  return picture ? photoFill(*picture, {previewPixels, previewPixels}) : QImage();
+}
+
+}  // namespace
+
+PictureChip::PictureChip(const QString& id, const QString& label, QWidget* parent)
+    : Chip(radius, parent), id_(id) {
+  setLabel(label);
+  if (id != customId) preview_ = previewOf(BundleImage::named(id));
+}
+
+void PictureChip::setPhoto(const QString& path) {
+  if (path == path_) return;
+  path_ = path;
+  preview_ = previewOf(path.isEmpty() ? std::nullopt : decodeImageFile(path));
+  update();
+}
+
+void PictureChip::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  setUpPainter(painter);
+  const RoundedBox box{rect(), radius, outline(), outlineWidth()};
+  if (!preview_.isNull()) {
+    const QRectF pixels = painter.deviceTransform().mapRect(onPixels(painter, box.rect));
+    paintPicture(painter, box, photoFill(preview_, pixels.size().toSize()));
+  } else if (id_ == customId) {
+    paintBox(painter, box, Studio::white);
+    drawSymbol(painter, u"plus"_s, plusFontSize, box.rect.center(), Studio::mute);
+  } else {
+    const Color substitute = Color::fromHex(u"#9bb4be"_s);
+    paintBox(painter, box, Studio::srgb(substitute.red, substitute.green, substitute.blue));
+  }
+  if (isSelected() && (id_ != customId || !preview_.isNull())) paintSelectionGap(painter, box);
+  if (isDown()) paintBox(painter, {.rect = rect(), .radius = radius}, veil());
+}
+
+}  // namespace brisklet
