@@ -5,12 +5,17 @@ extern "C" {
 }
 
 #include "base/system_cause.h"
+#include "base/unique_fd.h"
 #include "movie/codec_handles.h"
 #include "movie/movie_failure.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <span>
+#include <string_view>
 
 namespace brisklet {
 
@@ -214,6 +219,33 @@ int64_t mux(Output& output, const Mp4VideoTrack& video, const Mp4AudioTrack* aud
   return output.flush() - endOfSamples;
 }
 
+struct Box {
+  int64_t content = 0, end = 0;  // offsets in the file
+};
+
+/// The first box of this type within another, whose boxes all tell their size in four bytes.
+std::optional<Box> childBox(int fd, const Box& parent, std::string_view type) {
+  uint8_t head[8];
+  for (int64_t at = parent.content; at < parent.end && ::pread(fd, head, sizeof head, at) == sizeof head;) {
+    const int64_t bytes = int64_t{head[0]} << 24 | head[1] << 16 | head[2] << 8 | head[3];
+    if (std::equal(type.begin(), type.end(), head + 4)) return Box{at + 8, at + bytes};
+    at += std::max<int64_t>(bytes, sizeof head);
+  }
+  return std::nullopt;
+}
+
+/// The video's edit list says only that the video begins at its beginning, and some platforms ask for none.
+/// Libav writes one for all tracks or for none, and the sound needs its own.
+void dropVideoEdits(int fd) {
+  std::optional<Box> box = Box{0, INT64_MAX};
+  for (const std::string_view type : {"moov", "trak", "edts"})
+    if (box) box = childBox(fd, *box, type);
+  if (!box) return;
+  constexpr uint8_t skipped[] = {'f', 'r', 'e', 'e'};
+  if (const int failure = writeAt(fd, skipped, box->content - 4); failure != 0)
+    throw MovieFailure(systemCause(failure));
+}
+
 }  // namespace
 
 void writeMp4(int fd, const Mp4VideoTrack& video, const Mp4AudioTrack* audio) {
@@ -226,6 +258,7 @@ void writeMp4(int fd, const Mp4VideoTrack& video, const Mp4AudioTrack* audio) {
         4 * static_cast<int64_t>(video.spool.samples().size() + (audio ? audio->spool.samples().size() : 0));
   Output file(fd);
   (void)mux(file, video, audio, indexBytes);
+  dropVideoEdits(fd);
 }
 
 }  // namespace brisklet

@@ -140,6 +140,7 @@ TEST_F(MovieWriterTest, theFileIsWhatPlayersExpect) {
   EXPECT_EQ(movie.channels.size(), 2u);
   EXPECT_LE(movie.interleavingGap, 1.1);
   for (const char* trace : {"x264", "Lavc", "Lavf"}) EXPECT_FALSE(fileBytes().contains(trace)) << trace;
+  EXPECT_GT(fileBytes().indexOf("edts"), fileBytes().indexOf("vmhd")) << "the sound alone has an edit list";
 }
 
 TEST_F(MovieWriterTest, everyFrameStandsAtItsTimeAndPicturesChangeWhenTheyAreAppended) {
