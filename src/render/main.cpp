@@ -1,6 +1,7 @@
 #include "base/system_cause.h"
-#include "export/event_loop.h"
 #include "export/libraries.h"
+#include "render/batch.h"
+#include "render/console.h"
 #include "render/interruption.h"
 #include "render/render_job.h"
 #include "render/render_options.h"
@@ -12,65 +13,14 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <cstdio>
-#include <exception>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 using namespace brisklet;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-enum ExitStatus { Done = 0, Failed = 1, WrongUse = 2, Interrupted = 130 };
-
-/// One line whatever a file name or a scene may hold.
-QString asLine(QString text) {
-  for (QChar& unit : text) {
-    if (unit.category() == QChar::Other_Control) unit = u' ';
-  }
-  return text;
-}
-
-/// Standard error, for the program's own words.
-std::FILE* const said = stderr;
-
-/// Some libraries remark there on photos, beside the error that they return, and ask nobody.
-void silenceLibraries() {
-  if (std::FILE* nowhere = std::fopen("/dev/null", "we")) stderr = nowhere;
-}
-
-/// What the program says on standard error: messages, and on a terminal a line of progress.
-class Console {
- public:
-  explicit Console(bool showsProgress) : showsProgress_(showsProgress) {}
-
-  void message(const QString& text) {
-    clearProgress();
-    write(u"brisklet-render: "_s + asLine(text) + u'\n');
-  }
-
-  void progress(const QString& name, qint64 framesDone, qint64 frames) {
-    const int percent = static_cast<int>(framesDone * 100 / frames);
-    if (!showsProgress_ || percent == percent_) return;
-    percent_ = percent;
-    write(u"\r\033[K%1  %2 %"_s.arg(asLine(name)).arg(percent, 3));
-  }
-
-  void clearProgress() {
-    if (percent_ >= 0) write(u"\r\033[K"_s);
-    percent_ = -1;
-  }
-
- private:
-  static void write(const QString& text) {
-    const QByteArray bytes = text.toLocal8Bit();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), said);
-  }
-
-  bool showsProgress_;
-  int percent_ = -1;
-};
 
 /// Makes a folder and those above it that are missing. What of them stays empty is taken away again.
 class MadeFolder {
@@ -93,25 +43,36 @@ class MadeFolder {
   QStringList made_;  // the innermost first
 };
 
-/// Only an interruption ends the other jobs of a batch.
-ExitStatus run(const RenderJob& job, const QStringList& photos, Console& console,
-               const std::stop_source& stop) {
-  const auto progress = [&console, &job](qint64 framesDone, qint64 frames) {
-    console.progress(job.movie, framesDone, frames);
-  };
-  try {
-    waitForTask(runRenderJob(job, photos, progress, stop.get_token()));
-    console.clearProgress();
-    return Done;
-  } catch (const ExportCancelled&) {
-    console.message(u"interrupted; %1 was not made"_s.arg(job.outputs().last()));
-    return Interrupted;
-  } catch (const Error& error) {
-    console.message(error.text());
-  } catch (const std::exception& error) {
-    console.message(u"%1: %2"_s.arg(job.scene, QString::fromLocal8Bit(error.what())));
+/// What every process does that draws. It draws into images only, and needs neither a display nor the
+/// desktop's event loop.
+class DrawingProcess {
+ public:
+  DrawingProcess(bool isVerbose, char** argv) {
+    setUpLibraries(isVerbose ? Remarks::Told : Remarks::Silent);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_NO_GLIB", "1");
+    // Qt would take options such as -style for its own, so it sees none.
+    argc_ = 1;
+    application_ = std::make_unique<QGuiApplication>(argc_, argv);
+    if (!isVerbose && !qEnvironmentVariableIsSet("QT_LOGGING_RULES")) silenceLibraries();
   }
-  return Failed;
+
+ private:
+  int argc_;
+  std::unique_ptr<QGuiApplication> application_;
+};
+
+ExitStatus runAlone(const RenderJob& job, Console& console) {
+  const auto progress = [&console, &job](qint64 framesDone, qint64 frames) {
+    console.progress(u"%1  %2 %"_s.arg(job.movie).arg(framesDone * 100 / frames, 3));
+  };
+  std::stop_source stop;
+  const Interruption interruption(stop);
+  const JobResult result = attempt(job, {}, progress, stop.get_token());
+  console.clearProgress();
+  if (!result.message.isEmpty()) console.message(result.message);
+  if (result.outcome == JobOutcome::Interrupted) return Interrupted;
+  return result.outcome == JobOutcome::Failed ? Failed : Done;
 }
 
 /// Who closes standard input, output or error would have the movie's file take its number, and messages
@@ -149,32 +110,19 @@ int main(int argc, char** argv) {
   if (options.help || options.version) {
     const QString text =
         options.help ? renderUsage() : u"brisklet-render %1\n"_s.arg(QLatin1StringView(BRISKLET_VERSION));
-    std::fputs(text.toLocal8Bit().constData(), said);
+    say(text);
     return Done;
   }
 
-  setUpLibraries(options.verbose ? Remarks::Told : Remarks::Silent);
-  // It draws into images only, and needs neither a display nor the desktop's event loop.
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  qputenv("QT_NO_GLIB", "1");
-  // Qt would take options such as -style for its own, so it sees none.
-  int qtArgc = 1;
-  const QGuiApplication application(qtArgc, argv);
-  if (!options.verbose && !qEnvironmentVariableIsSet("QT_LOGGING_RULES")) silenceLibraries();
-
   Console console(!options.quiet && !options.verbose && isatty(STDERR_FILENO) != 0);
   try {
-    const MadeFolder folder(options.into);
-    const QStringList photos = options.jobs.size() > 1 ? photosOf(options.jobs) : QStringList();
-    std::stop_source stop;
-    const Interruption interruption(stop);
-    ExitStatus status = Done;
-    for (const RenderJob& job : options.jobs) {
-      const ExitStatus outcome = run(job, photos, console, stop);
-      if (outcome == Interrupted) return Interrupted;
-      if (outcome == Failed) status = Failed;
+    if (options.into.isEmpty()) {
+      const DrawingProcess process(options.verbose, argv);
+      return runAlone(options.jobs.first(), console);
     }
-    return status;
+    const MadeFolder folder(options.into);
+    return runBatch(options, console,
+                    [&] { return std::make_shared<DrawingProcess>(options.verbose, argv); });
   } catch (const Error& error) {
     console.message(error.text());
     return Failed;

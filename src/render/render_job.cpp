@@ -11,9 +11,11 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QBuffer>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -21,6 +23,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <exception>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -89,7 +92,7 @@ SequenceDocument decodeScene(const QByteArray& bytes, const QString& scene) {
 }
 
 /// Refuses outputs that cannot be, or that would destroy an input or each other.
-void checkOutputs(const RenderJob& job, const QString& photo, const QStringList& photos) {
+void checkOutputs(const RenderJob& job, const QString& photo, const Photos& photos) {
   const auto isAt = [](const fs::path& place, const QString& input) {
     std::error_code failure;
     return fs::equivalent(place, QFile::encodeName(input).toStdString(), failure);
@@ -101,7 +104,8 @@ void checkOutputs(const RenderJob& job, const QString& photo, const QStringList&
     if (!isStandardInput(job.scene) && isHere(job.scene))
       throw Error(u"%1: it is the scene file, and would be overwritten"_s.arg(output));
     if (isHere(photo)) throw Error(u"%1: it is the scene's photo, and would be overwritten"_s.arg(output));
-    if (std::any_of(photos.begin(), photos.end(), isHere))
+    struct stat there;
+    if (::stat(place.c_str(), &there) == 0 && photos.contains({there.st_dev, there.st_ino}))
       throw Error(u"%1: it is the photo of another scene, and would be overwritten"_s.arg(output));
     if (std::find(taken.begin(), taken.end(), place) != taken.end())
       throw Error(u"%1: two outputs have this name"_s.arg(output));
@@ -135,26 +139,19 @@ QCoro::Task<> saveSoundtrack(const SequenceDocument& document, QString path, Eve
   file.commit();
 }
 
-}  // namespace
-
-QStringList photosOf(const QList<RenderJob>& jobs) {
-  QStringList photos;
-  for (const RenderJob& job : jobs) {
-    QFile scene(job.scene);
-    if (!QFileInfo(job.scene).isFile() || !scene.open(QIODevice::ReadOnly)) continue;
-    try {
-      photos.append(decodeScene(scene.read(maxDocumentBytes + 1), job.scene).wallpaperUrl);
-    } catch (const Error&) {
-      // Its own job tells of it.
-    }
-  }
-  photos.removeAll(QString());
-  return photos;
+/// Whether the movie is there and not older than what it is made from. A movie that is there is whole.
+bool isUpToDate(const RenderJob& job, const QString& photo) {
+  const QFileInfo movie(job.movie);
+  return movie.isFile() && movie.lastModified() >= QFileInfo(job.scene).lastModified() &&
+         (photo.isEmpty() || !QFileInfo::exists(photo) ||
+          movie.lastModified() >= QFileInfo(photo).lastModified());
 }
 
-QCoro::Task<> runRenderJob(RenderJob job, QStringList photos, RenderProgress progress, std::stop_token stop) {
+QCoro::Task<JobOutcome> run(RenderJob job, const Photos& photos, RenderProgress progress,
+                            std::stop_token stop) {
   EventLoopTurn turn(stop);
   const SequenceDocument document = decodeScene(co_await readScene(job.scene, turn), job.scene);
+  if (job.keepsMovie && isUpToDate(job, document.wallpaperUrl)) co_return JobOutcome::Kept;
   if (!job.movie.isEmpty() || !job.soundtrack.isEmpty()) {
     try {
       VideoExporter::requireExportable(document);
@@ -167,6 +164,42 @@ QCoro::Task<> runRenderJob(RenderJob job, QStringList photos, RenderProgress pro
   if (!job.soundtrack.isEmpty()) co_await saveSoundtrack(document, job.soundtrack, turn);
   if (!job.movie.isEmpty())
     co_await VideoExporter::exportMovie(document, job.style, job.movie, progress, stop);
+  co_return JobOutcome::Made;
+}
+
+}  // namespace
+
+Photos photosOf(const QList<RenderJob>& jobs) {
+  Photos photos;
+  for (const RenderJob& job : jobs) {
+    QFile scene(job.scene);
+    if (!QFileInfo(job.scene).isFile() || !scene.open(QIODevice::ReadOnly)) continue;
+    try {
+      const QString photo = decodeScene(scene.read(maxDocumentBytes + 1), job.scene).wallpaperUrl;
+      struct stat there;
+      if (!photo.isEmpty() && ::stat(QFile::encodeName(photo).constData(), &there) == 0)
+        photos.insert({there.st_dev, there.st_ino});
+    } catch (const Error&) {
+      // Its own job tells of it.
+    }
+  }
+  return photos;
+}
+
+JobResult attempt(const RenderJob& job, const Photos& photos, const RenderProgress& progress,
+                  std::stop_token stop) {
+  try {
+    JobOutcome outcome = JobOutcome::Made;
+    const auto task = [&]() -> QCoro::Task<> { outcome = co_await run(job, photos, progress, stop); };
+    waitForTask(task());
+    return {outcome, {}};
+  } catch (const ExportCancelled&) {
+    return {JobOutcome::Interrupted, u"interrupted; %1 was not made"_s.arg(job.outputs().last())};
+  } catch (const Error& error) {
+    return {JobOutcome::Failed, error.text()};
+  } catch (const std::exception& error) {
+    return {JobOutcome::Failed, u"%1: %2"_s.arg(job.scene, QString::fromLocal8Bit(error.what()))};
+  }
 }
 
 }  // namespace brisklet

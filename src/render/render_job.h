@@ -2,22 +2,37 @@
 
 #include "render/render_options.h"
 
-#include <QCoroTask>
+#include <sys/types.h>
+
+#include <QString>
 #include <functional>
+#include <set>
 #include <stop_token>
+#include <utility>
 
 namespace brisklet {
 
 /// Frames done, and frames in all.
 using RenderProgress = std::function<void(qint64 framesDone, qint64 frames)>;
 
-/// The photos of the jobs' scenes, as far as these can be read now and again later.
-[[nodiscard]] QStringList photosOf(const QList<RenderJob>& jobs);
+/// Photos of scenes, which no movie may replace, by device and inode.
+using Photos = std::set<std::pair<dev_t, ino_t>>;
 
-/// Makes what the job asks for: the still, then the soundtrack, then the movie. Overwrites neither its inputs
-/// nor any of `photos`. Throws `Error`, which names the file that it is about, and `ExportCancelled` soon
-/// after a stop is requested.
-[[nodiscard]] QCoro::Task<> runRenderJob(RenderJob job, QStringList photos, RenderProgress progress,
-                                         std::stop_token stop);
+/// The photos of the jobs' scenes, as far as these can be read now and again later.
+[[nodiscard]] Photos photosOf(const QList<RenderJob>& jobs);
+
+enum class JobOutcome { Made, Kept, Failed, Interrupted };
+
+struct JobResult {
+  JobOutcome outcome;
+  /// What went wrong, as a sentence that names the file.
+  QString message;
+};
+
+/// Makes what the job asks for: the still, then the soundtrack, then the movie, or keeps the movie that is
+/// there. Overwrites neither its inputs nor any of `photos`. Ends soon after a stop is requested. Runs an
+/// event loop.
+[[nodiscard]] JobResult attempt(const RenderJob& job, const Photos& photos, const RenderProgress& progress,
+                                std::stop_token stop);
 
 }  // namespace brisklet

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMap>
+#include <QThread>
 #include <cmath>
 #include <limits>
 
@@ -42,7 +43,16 @@ QSize pageOf(const QString& text) {
   return size;
 }
 
-QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes, const MovieStyle& style) {
+int workersOf(const QString& text) {
+  constexpr int mostWorkers = 256;
+  bool isNumber = false;
+  const int workers = text.toInt(&isNumber);
+  if (!isNumber || workers < 1 || workers > mostWorkers)
+    throw UsageError(u"--jobs takes a number from 1 to %1, not \"%2\""_s.arg(mostWorkers).arg(text));
+  return workers;
+}
+
+QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes) {
   if (scenes.isEmpty()) throw UsageError(u"--into needs at least one scene file"_s);
   QList<RenderJob> jobs;
   QMap<QString, QString> sceneOfMovie;
@@ -55,7 +65,6 @@ QList<RenderJob> jobsInto(const QString& directory, const QStringList& scenes, c
     RenderJob job;
     job.scene = scene;
     job.movie = movie;
-    job.style = style;
     jobs.append(job);
   }
   return jobs;
@@ -74,6 +83,8 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   const QCommandLineOption at(u"at"_s, {}, u"SECONDS"_s);
   const QCommandLineOption soundtrack(u"soundtrack"_s, {}, u"WAV"_s);
   const QCommandLineOption into(u"into"_s, {}, u"DIR"_s);
+  const QCommandLineOption workers(u"jobs"_s, {}, u"N"_s);
+  const QCommandLineOption keep(u"keep"_s);
   const QCommandLineOption motion(u"motion"_s);
   const QCommandLineOption page(u"page"_s, {}, u"WIDTHxHEIGHT"_s);
   const QCommandLineOption quiet(QStringList{u"q"_s, u"quiet"_s});
@@ -81,7 +92,8 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   const QCommandLineOption help(QStringList{u"h"_s, u"help"_s});
   const QCommandLineOption version(u"version"_s);
   QCommandLineParser parser;
-  parser.addOptions({still, at, soundtrack, into, motion, page, quiet, verbose, help, version});
+  parser.addOptions(
+      {still, at, soundtrack, into, workers, keep, motion, page, quiet, verbose, help, version});
   // The parser takes the first argument for the program's name.
   if (!parser.parse(QStringList(u"brisklet-render"_s) + arguments)) {
     QString reason = parser.errorText();
@@ -96,7 +108,7 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
   options.version = parser.isSet(version);
   if (options.help || options.version) return options;
 
-  for (const QCommandLineOption& option : {still, at, soundtrack, into, page}) {
+  for (const QCommandLineOption& option : {still, at, soundtrack, into, workers, page}) {
     if (parser.values(option).size() > 1)
       throw UsageError(u"--%1 is given more than once"_s.arg(option.names().first()));
     if (parser.isSet(option) && parser.value(option).isEmpty())
@@ -112,10 +124,16 @@ RenderOptions parseRenderOptions(const QStringList& arguments) {
     if (parser.isSet(still) || parser.isSet(at) || parser.isSet(soundtrack))
       throw UsageError(u"--into makes movies only: leave out --still, --at and --soundtrack"_s);
     options.into = asFile(parser.value(into));
-    options.jobs = jobsInto(options.into, files, style);
+    options.jobs = jobsInto(options.into, files);
+    for (RenderJob& job : options.jobs) {
+      job.style = style;
+      job.keepsMovie = parser.isSet(keep);
+    }
+    options.workers = parser.isSet(workers) ? workersOf(parser.value(workers)) : QThread::idealThreadCount();
     return options;
   }
 
+  if (parser.isSet(workers) || parser.isSet(keep)) throw UsageError(u"--jobs and --keep go with --into"_s);
   if (files.isEmpty()) throw UsageError(u"no scene file is given"_s);
   if (files.size() > 2)
     throw UsageError(u"there is one scene and one movie; to make several movies at once, use --into DIR"_s);
@@ -145,7 +163,8 @@ QString renderUsage() {
 Usage: brisklet-render SCENE.json [MOVIE.mp4] [--motion] [--page WIDTHxHEIGHT]
                        [--still PICTURE.png [--at SECONDS|end]]
                        [--soundtrack TONES.wav] [--quiet|--verbose]
-       brisklet-render --into DIR [--motion] [--page WIDTHxHEIGHT] SCENE.json...
+       brisklet-render --into DIR [--jobs N] [--keep] [--motion] [--page WIDTHxHEIGHT]
+                       [--quiet|--verbose] SCENE.json...
 
   SCENE.json            the scene; - reads standard input
   MOVIE.mp4             the movie, 1170 x 2532 at 30 frames per second with sound
@@ -155,6 +174,8 @@ Usage: brisklet-render SCENE.json [MOVIE.mp4] [--motion] [--page WIDTHxHEIGHT]
   --at SECONDS|end      the moment of the picture
   --soundtrack WAV      the movie's sound as a 16-bit stereo WAV file
   --into DIR            one movie per scene, named after it, in DIR
+  --jobs N              N movies at once; without it one for each core
+  --keep                leaves movies alone that are there and not older than their scene and its photo
   -q, --quiet           no progress
   --verbose             every step and its time, and what libraries remark
   -h, --help            this text

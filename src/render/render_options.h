@@ -24,6 +24,8 @@ struct RenderJob {
   /// The moment of the still in milliseconds; positive infinity is the finished sequence.
   double stillMs = 0;
   QString soundtrack;
+  /// A movie that is there and not older than its scene and its photo is left alone.
+  bool keepsMovie = false;
   /// Of the movie and the still.
   MovieStyle style;
 
@@ -35,6 +37,8 @@ struct RenderOptions {
   QList<RenderJob> jobs;
   /// The directory of `--into`, made if it is missing; empty without it.
   QString into;
+  /// How many movies of `--into` are made at once.
+  int workers = 1;
   bool quiet = false;
   bool verbose = false;
   bool help = false;
