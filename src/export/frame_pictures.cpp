@@ -5,10 +5,13 @@
 
 namespace brisklet {
 
-FramePictures::FramePictures(const SequenceDocument& document, const MovieStyle& style)
+FramePictures::FramePictures(const SequenceDocument& document, const MovieStyle& style,
+                             LockScreenCache& cache)
     : style_(style),
       player_(document),
-      view_{document, player_, style.inMotion ? Rendering::MovieInMotion : Rendering::Movie} {
+      view_{document, player_, style.inMotion ? Rendering::MovieInMotion : Rendering::Movie},
+      cache_(cache) {
+  cache_.expectOtherPhoto();
   for (const Ping& ping : document.notifications) landingsMs_.push_back(ping.delayMs);
   std::sort(landingsMs_.begin(), landingsMs_.end());
   landingsMs_.erase(std::unique(landingsMs_.begin(), landingsMs_.end()), landingsMs_.end());

@@ -16,7 +16,8 @@ namespace brisklet {
 /// The picture of each moment of a document's movie. It depends on document, style and moment alone.
 class FramePictures {
  public:
-  FramePictures(const SequenceDocument& document, const MovieStyle& style);
+  /// `cache` may come from another movie, and saves what both have in common.
+  FramePictures(const SequenceDocument& document, const MovieStyle& style, LockScreenCache& cache);
 
   [[nodiscard]] static QSize size(const MovieStyle& style);
 
@@ -32,7 +33,7 @@ class FramePictures {
   const MovieStyle style_;
   SequencePlayer player_;
   LockScreenView view_;
-  LockScreenCache cache_;
+  LockScreenCache& cache_;
   CardStackAnimation animation_;
   std::vector<double> landingsMs_;
   std::size_t landed_ = 0;

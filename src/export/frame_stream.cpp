@@ -23,11 +23,12 @@ bool absorbHold(HeldFrames& last, const HeldFrames& next) {
 
 }  // namespace
 
-FrameStream::FrameStream(SequenceDocument document, MovieStyle style, qint64 frameCount)
-    : thread_([this, document = std::move(document), style, frameCount] {
+FrameStream::FrameStream(SequenceDocument document, MovieStyle style, qint64 frameCount,
+                         LockScreenCache& cache)
+    : thread_([this, document = std::move(document), style, frameCount, &cache] {
         ::pthread_setname_np(::pthread_self(), "movie frames");
         try {
-          paint(document, style, frameCount);
+          paint(document, style, frameCount, cache);
         } catch (...) {
           failure_ = std::current_exception();
         }
@@ -38,8 +39,9 @@ FrameStream::~FrameStream() {
   frames_.abandon();
 }
 
-void FrameStream::paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount) {
-  FramePictures pictures(document, style);
+void FrameStream::paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount,
+                        LockScreenCache& cache) {
+  FramePictures pictures(document, style, cache);
   for (qint64 frame = 0; frame < frameCount && !frames_.isAbandoned(); ++frame) {
     HeldFrames next{pictures.at(momentMs(frame)), frame, 1};
     frames_.waitForRoom();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lockscreen/lock_screen_view.h"
 #include "model/movie_style.h"
 #include "model/sequence_document.h"
 #include "movie/bounded_queue.h"
@@ -21,7 +22,8 @@ struct HeldFrames {
 /// Paints the frames of a document's movie on a thread of its own, a few ahead of who takes them.
 class FrameStream {
  public:
-  FrameStream(SequenceDocument document, MovieStyle style, qint64 frameCount);
+  /// `cache` is this stream's alone as long as it lives.
+  FrameStream(SequenceDocument document, MovieStyle style, qint64 frameCount, LockScreenCache& cache);
   ~FrameStream();
 
   /// Whether `next` returns at once.
@@ -32,9 +34,10 @@ class FrameStream {
   [[nodiscard]] std::optional<HeldFrames> next();
 
  private:
-  void paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount);
+  void paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount,
+             LockScreenCache& cache);
 
-  BoundedQueue<HeldFrames> frames_{2};
+  BoundedQueue<HeldFrames> frames_{1};
   std::exception_ptr failure_;  // written before the queue is closed, and read after
   std::jthread thread_;
 };

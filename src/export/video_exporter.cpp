@@ -51,10 +51,10 @@ void refuseOverwritingThePhoto(const SequenceDocument& document, const QString& 
     throw couldNotWrite(path, u"it is the wallpaper photo of the sequence"_s);
 }
 
-QCoro::Task<> appendVideo(const SequenceDocument& document, const MovieStyle& style, MovieWriter& writer,
-                          EventLoopTurn& turn, const VideoExporter::Progress& progress) {
+QCoro::Task<> appendVideo(const SequenceDocument& document, const MovieStyle& style, LockScreenCache& cache,
+                          MovieWriter& writer, EventLoopTurn& turn, const VideoExporter::Progress& progress) {
   const qint64 frameCount = VideoExporter::frameCount(document);
-  FrameStream stream(document, style, frameCount);
+  FrameStream stream(document, style, frameCount, cache);
   while (true) {
     while (!stream.isReady()) co_await turn.pause(readinessPoll);
     const std::optional<HeldFrames> frames = stream.next();
@@ -87,8 +87,8 @@ QCoro::Task<> appendAudio(const SequenceDocument& document, MovieWriter& writer,
   writer.markAudioFinished();
 }
 
-QCoro::Task<> write(const SequenceDocument& document, const MovieStyle& style, MovieWriter& writer,
-                    EventLoopTurn& turn, const VideoExporter::Progress& progress) {
+QCoro::Task<> write(const SequenceDocument& document, const MovieStyle& style, LockScreenCache& cache,
+                    MovieWriter& writer, EventLoopTurn& turn, const VideoExporter::Progress& progress) {
   const auto failure = [&writer] {
     return writer.errorText().isEmpty() ? Error(ExportError()) : Error(writer.errorText());
   };
@@ -100,7 +100,7 @@ QCoro::Task<> write(const SequenceDocument& document, const MovieStyle& style, M
 
   QElapsedTimer timer;
   timer.start();
-  co_await appendVideo(document, style, writer, turn, progress);
+  co_await appendVideo(document, style, cache, writer, turn, progress);
   qCInfo(exportLog) << "appended" << VideoExporter::frameCount(document) << "frames after" << timer.elapsed()
                     << "ms";
   if (hasAudio) co_await appendAudio(document, writer, turn);
@@ -132,14 +132,16 @@ void VideoExporter::requireExportable(const SequenceDocument& document) {
 }
 
 QCoro::Task<> VideoExporter::exportMovie(SequenceDocument document, MovieStyle style, QString path,
-                                         Progress progress, std::stop_token stop, MakeWriter makeWriter) {
+                                         Progress progress, std::stop_token stop, MakeWriter makeWriter,
+                                         LockScreenCache* cache) {
   requireExportable(document);
   refuseOverwritingThePhoto(document, path);
+  LockScreenCache own;
   OutputFile file(path);
   file.removeFormer();
   const std::unique_ptr<MovieWriter> writer = makeWriter(std::move(file));
   EventLoopTurn turn(std::move(stop));
-  co_await write(document, style, *writer, turn, progress);
+  co_await write(document, style, cache ? *cache : own, *writer, turn, progress);
 }
 
 }  // namespace brisklet

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/error.h"
+#include "lockscreen/lock_screen_view.h"
 #include "model/movie_style.h"
 #include "model/sequence_document.h"
 #include "movie/movie_writer.h"
@@ -37,10 +38,13 @@ void requireExportable(const SequenceDocument& document);
 /// Writes the document's movie to `path`. A file that is there goes when this begins, and the movie is there
 /// when it is complete. Runs on the calling thread, which needs an event loop, and suspends whenever it
 /// waits, so that the thread's other work goes on; encoding is done elsewhere. Works on its own copy of the
-/// document. Throws `Error`: an `ExportCancelled` once `stop` is requested, else what went wrong.
+/// document. `cache` saves what a movie has in common with the one before; it
+/// must live as long as the task. Throws `Error`: an `ExportCancelled` once `stop` is requested, else what
+/// went wrong.
 [[nodiscard]] QCoro::Task<> exportMovie(SequenceDocument document, MovieStyle style, QString path,
                                         Progress progress = {}, std::stop_token stop = {},
-                                        MakeWriter makeWriter = makeMovieWriter);
+                                        MakeWriter makeWriter = makeMovieWriter,
+                                        LockScreenCache* cache = nullptr);
 
 }  // namespace VideoExporter
 

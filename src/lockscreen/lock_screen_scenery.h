@@ -21,6 +21,8 @@ class LockScreenScenery {
   void update(const SequenceDocument& document, const QSize& pixels, double pixelsPerPoint,
               Rendering rendering);
 
+  void expectOtherPhoto() { wallpaperSource_.expectOtherPhoto(); }
+
   /// Layout without cards.
   [[nodiscard]] const LockScreenLayout& layout() const { return layout_; }
   /// Wallpaper, status bar, clock, quick actions and home indicator; RGB32. The same image until something

@@ -24,6 +24,9 @@ class LockScreenCache {
   LockScreenCache(const LockScreenCache&) = delete;
   LockScreenCache& operator=(const LockScreenCache&) = delete;
 
+  /// Looks at the photo again, even where a movie ignores its changes: another movie begins.
+  void expectOtherPhoto() { scenery_.expectOtherPhoto(); }
+
   /// The wallpaper of the picture painted last.
   [[nodiscard]] const QImage& wallpaper() const { return scenery_.wallpaper(); }
 

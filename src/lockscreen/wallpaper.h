@@ -29,6 +29,9 @@ class WallpaperSource {
   [[nodiscard]] const QImage& filled(const SequenceDocument& document, const QSize& pixels,
                                      PhotoChanges changes = PhotoChanges::Followed);
 
+  /// Looks at the photo again next time, even if its changes are ignored.
+  void expectOtherPhoto() { asked_.reset(); }
+
   /// The picture last asked for.
   [[nodiscard]] const QImage& last() const { return image_.last(); }
 

@@ -30,7 +30,7 @@ namespace brisklet {
 namespace {
 
 // Converted pictures take less than half the memory, so the longer queue is theirs.
-constexpr size_t picturesInQueue = 2;
+constexpr size_t picturesInQueue = 1;
 constexpr size_t convertedInQueue = 3;
 constexpr size_t soundsInQueue = 64;
 constexpr int bytesPerSample = 2;

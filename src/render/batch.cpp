@@ -6,6 +6,7 @@
 #include "render/render_job.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/signalfd.h>
@@ -16,7 +17,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <list>
 #include <map>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -59,9 +62,11 @@ bool writeWhole(int fd, const void* from, std::size_t bytes) {
 void work(const QList<RenderJob>& jobs, const Photos& photos, int orders, int reports) {
   std::stop_source stop;
   const Interruption interruption(stop);
+  LockScreenCache cache;
   qint32 place = 0;
   while (readWhole(orders, &place, sizeof place)) {
-    const JobResult result = attempt(jobs[place], photos, {}, stop.get_token());
+    const JobResult result = attempt(jobs[place], photos, {}, stop.get_token(), cache);
+    ::malloc_trim(0);  // each movie has threads of its own, and each of their heaps keeps what it had
     const QByteArray message = result.message.toUtf8();
     const ReportHead head{static_cast<qint32>(result.outcome), static_cast<quint32>(message.size())};
     if (!writeWhole(reports, &head, sizeof head) ||
@@ -80,7 +85,9 @@ class Batch {
  public:
   Batch(const RenderOptions& options, Console& console,
         const std::function<std::shared_ptr<void>()>& setUpWorker)
-      : options_(options), console_(console), setUpWorker_(setUpWorker), photos_(photosOf(options.jobs)) {}
+      : options_(options), console_(console), setUpWorker_(setUpWorker), survey_(surveyOf(options.jobs)) {
+    for (qsizetype job = 0; job < options.jobs.size(); ++job) waiting_.push_back(job);
+  }
 
   ExitStatus run() {
     listen();
@@ -91,7 +98,7 @@ class Batch {
       waitForNews();
     console_.clearProgress();
     if (isStopped_) {
-      console_.message(u"interrupted; %1 of %2 movies were made"_s.arg(made_).arg(options_.jobs.size()));
+      console_.message(u"interrupted; %1 of %2 movies made"_s.arg(made_).arg(options_.jobs.size()));
       return Interrupted;
     }
     if (!options_.quiet) summarise();
@@ -115,7 +122,7 @@ class Batch {
 
   /// Starts the worker on the next job; without one it has nothing to start for.
   void employ(Worker& worker) {
-    if (next_ == options_.jobs.size() || isStopped_) return;
+    if (waiting_.empty() || isStopped_) return;
     int orders[2], reports[2];
     if (::pipe2(orders, O_CLOEXEC) != 0) throw Error(systemCause(errno));
     UniqueFd itsOrders(orders[0]);
@@ -132,19 +139,25 @@ class Batch {
       ::prctl(PR_SET_PDEATHSIG, SIGTERM);
       sigprocmask(SIG_SETMASK, &unheard_, nullptr);
       const std::shared_ptr<void> setting = setUpWorker_();
-      work(options_.jobs, photos_, itsOrders.get(), itsReports.get());
+      work(options_.jobs, survey_.photos, itsOrders.get(), itsReports.get());
       ::_exit(0);  // what the parent holds is the parent's to clear up
     }
     give(worker);
   }
 
   void give(Worker& worker) {
-    worker.job = -1;
-    if (next_ == options_.jobs.size() || isStopped_) {
+    const qsizetype last = std::exchange(worker.job, -1);
+    if (waiting_.empty() || isStopped_) {
       worker.orders = {};
       return;
     }
-    worker.job = next_++;
+    // A worker stays with its wallpaper as long as it can, since that is drawn once then.
+    auto job = std::find_if(waiting_.begin(), waiting_.end(), [&](qsizetype other) {
+      return last >= 0 && survey_.wallpapers[other] == survey_.wallpapers[last];
+    });
+    if (job == waiting_.end()) job = waiting_.begin();
+    worker.job = *job;
+    waiting_.erase(job);
     const auto place = static_cast<qint32>(worker.job);
     (void)writeWhole(worker.orders.get(), &place, sizeof place);
   }
@@ -176,7 +189,7 @@ class Batch {
     ::waitpid(worker.process, &status, 0);
     const qsizetype job = worker.job;
     worker = {};
-    if (job < 0) return;
+    if (job < 0 || isStopped_) return;
     const QString cause = WIFSIGNALED(status) ? u"signal %1"_s.arg(WTERMSIG(status))
                                               : u"exit status %1"_s.arg(WEXITSTATUS(status));
     settle(job, {JobOutcome::Failed, u"%1: the process that was making its movie crashed (%2)"_s.arg(
@@ -215,20 +228,22 @@ class Batch {
   }
 
   void summarise() {
-    QString text = u"%1 movies made, %2 kept, %3 not made"_s.arg(made_).arg(kept_).arg(notMade_.size());
-    if (!notMade_.isEmpty()) text += u": "_s + notMade_.join(u", "_s);
+    QString text = u"%1 of %2 movies made"_s.arg(made_).arg(options_.jobs.size());
+    if (kept_ > 0) text += u", %1 kept"_s.arg(kept_);
+    if (!notMade_.isEmpty()) text += u", %1 not made: %2"_s.arg(notMade_.size()).arg(notMade_.join(u", "_s));
     console_.message(text);
   }
 
   const RenderOptions& options_;
   Console& console_;
   const std::function<std::shared_ptr<void>()>& setUpWorker_;
-  const Photos photos_;
+  const SceneSurvey survey_;
+  std::list<qsizetype> waiting_;  // jobs that nobody has begun
   UniqueFd signals_;
   sigset_t unheard_ = {};
   std::vector<Worker> workers_;
   QElapsedTimer clock_;
-  qsizetype next_ = 0, settled_ = 0, told_ = 0;
+  qsizetype settled_ = 0, told_ = 0;
   qsizetype made_ = 0, kept_ = 0;
   QStringList notMade_;
   std::map<qsizetype, JobResult> results_;  // those that wait for an earlier one

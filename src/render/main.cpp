@@ -66,9 +66,10 @@ ExitStatus runAlone(const RenderJob& job, Console& console) {
   const auto progress = [&console, &job](qint64 framesDone, qint64 frames) {
     console.progress(u"%1  %2 %"_s.arg(job.movie).arg(framesDone * 100 / frames, 3));
   };
+  LockScreenCache cache;
   std::stop_source stop;
   const Interruption interruption(stop);
-  const JobResult result = attempt(job, {}, progress, stop.get_token());
+  const JobResult result = attempt(job, {}, progress, stop.get_token(), cache);
   console.clearProgress();
   if (!result.message.isEmpty()) console.message(result.message);
   if (result.outcome == JobOutcome::Interrupted) return Interrupted;

@@ -115,7 +115,8 @@ void checkOutputs(const RenderJob& job, const QString& photo, const Photos& phot
 
 QCoro::Task<> saveStill(const SequenceDocument& document, RenderJob job, EventLoopTurn& turn) {
   OutputFile file(job.still);
-  const QImage picture = FramePictures(document, job.style).at(job.stillMs);
+  LockScreenCache cache;
+  const QImage picture = FramePictures(document, job.style, cache).at(job.stillMs);
   co_await turn.pause();
   QByteArray png;
   QBuffer buffer(&png);
@@ -148,7 +149,7 @@ bool isUpToDate(const RenderJob& job, const QString& photo) {
 }
 
 QCoro::Task<JobOutcome> run(RenderJob job, const Photos& photos, RenderProgress progress,
-                            std::stop_token stop) {
+                            std::stop_token stop, LockScreenCache& cache) {
   EventLoopTurn turn(stop);
   const SequenceDocument document = decodeScene(co_await readScene(job.scene, turn), job.scene);
   if (job.keepsMovie && isUpToDate(job, document.wallpaperUrl)) co_return JobOutcome::Kept;
@@ -163,34 +164,38 @@ QCoro::Task<JobOutcome> run(RenderJob job, const Photos& photos, RenderProgress 
   if (!job.still.isEmpty()) co_await saveStill(document, job, turn);
   if (!job.soundtrack.isEmpty()) co_await saveSoundtrack(document, job.soundtrack, turn);
   if (!job.movie.isEmpty())
-    co_await VideoExporter::exportMovie(document, job.style, job.movie, progress, stop);
+    co_await VideoExporter::exportMovie(document, job.style, job.movie, progress, stop, makeMovieWriter,
+                                        &cache);
   co_return JobOutcome::Made;
 }
 
 }  // namespace
 
-Photos photosOf(const QList<RenderJob>& jobs) {
-  Photos photos;
+SceneSurvey surveyOf(const QList<RenderJob>& jobs) {
+  SceneSurvey survey;
   for (const RenderJob& job : jobs) {
+    QString& wallpaper = survey.wallpapers.emplaceBack();
     QFile scene(job.scene);
     if (!QFileInfo(job.scene).isFile() || !scene.open(QIODevice::ReadOnly)) continue;
     try {
-      const QString photo = decodeScene(scene.read(maxDocumentBytes + 1), job.scene).wallpaperUrl;
+      const SequenceDocument document = decodeScene(scene.read(maxDocumentBytes + 1), job.scene);
+      const QString& photo = document.wallpaperUrl;
+      wallpaper = document.wallpaper + u'\n' + photo;
       struct stat there;
       if (!photo.isEmpty() && ::stat(QFile::encodeName(photo).constData(), &there) == 0)
-        photos.insert({there.st_dev, there.st_ino});
+        survey.photos.insert({there.st_dev, there.st_ino});
     } catch (const Error&) {
       // Its own job tells of it.
     }
   }
-  return photos;
+  return survey;
 }
 
 JobResult attempt(const RenderJob& job, const Photos& photos, const RenderProgress& progress,
-                  std::stop_token stop) {
+                  std::stop_token stop, LockScreenCache& cache) {
   try {
     JobOutcome outcome = JobOutcome::Made;
-    const auto task = [&]() -> QCoro::Task<> { outcome = co_await run(job, photos, progress, stop); };
+    const auto task = [&]() -> QCoro::Task<> { outcome = co_await run(job, photos, progress, stop, cache); };
     waitForTask(task());
     return {outcome, {}};
   } catch (const ExportCancelled&) {

@@ -176,7 +176,7 @@ Usage: brisklet-render SCENE.json [MOVIE.mp4] [--motion] [--page WIDTHxHEIGHT]
   --into DIR            one movie per scene, named after it, in DIR
   --jobs N              N movies at once; without it one for each core
   --keep                leaves movies alone that are there and not older than their scene and its photo
-  -q, --quiet           no progress
+  -q, --quiet           no progress, and no summary of --into
   --verbose             every step and its time, and what libraries remark
   -h, --help            this text
   --version             the program's version

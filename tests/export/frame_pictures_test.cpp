@@ -15,12 +15,14 @@ constexpr double never = std::numeric_limits<double>::infinity();
 constexpr MovieStyle moving{.inMotion = true, .page = {}};
 
 QImage pictureAt(const SequenceDocument& document, const MovieStyle& style, double timeMs) {
-  return FramePictures(document, style).at(timeMs);
+  LockScreenCache cache;
+  return FramePictures(document, style, cache).at(timeMs);
 }
 
 TEST(FramePictures, aMomentInMotionLooksTheSameFromWhereverOneComes) {
   const SequenceDocument document = documentOf({0, 410, 625});
-  FramePictures pictures(document, moving);
+  LockScreenCache cache;
+  FramePictures pictures(document, moving, cache);
   QImage before;
   for (const double timeMs : {0.0, 33.0, 409.0, 440.0, 500.0, 700.0, 800.0}) {
     const QImage picture = pictures.at(timeMs);

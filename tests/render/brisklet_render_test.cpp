@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -191,7 +192,7 @@ TEST_F(BriskletRender, saysInOneLineWhatIsWrongAndTouchesNothing) {
       {{"photo.json", "--still", "linked photo"}, "is the scene's photo"},
       {{"scene.json", "out.mp4", "--soundtrack", "./out.mp4"}, "two outputs"},
       {{"--into", "scene.json/movies", "scene.json"}, "a part of its path is not a folder"},
-      {{"--into", "new/movies", "number.json"}, "must be a string"},
+      {{"--into", "new/movies", "number.json", "--quiet"}, "must be a string"},
   };
   const QStringList all = entries();
   for (const auto& row : rows) {
@@ -212,12 +213,50 @@ TEST_F(BriskletRender, aBatchGoesOnAfterABadSceneAndSparesThePhotosOfAll) {
   const Outcome outcome = run({"--into", "out/movies", "a.json", "b.json", "c.json"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_TRUE(outcome.said.startsWith("brisklet-render: b.json: "));
+  EXPECT_TRUE(outcome.said.endsWith("brisklet-render: 2 of 3 movies made, 1 not made: b.json\n"));
   EXPECT_EQ(QDir(file("out/movies")).entryList(QDir::Files), (QStringList{"a.mp4", "c.mp4"}));
   EXPECT_TRUE(read("out/movies/a.mp4") == read("out/movies/c.mp4"));
 
   write("photo.json", R"({"wallpaper": "custom", "wallpaperUrl": "out/movies/a.mp4"})");
-  expectSentence({"--into", "out/movies", "a.json", "photo.json"}, "a.mp4: it is the photo of another scene");
+  expectSentence({"--into", "out/movies", "a.json", "photo.json", "-q"},
+                 "a.mp4: it is the photo of another scene");
   EXPECT_TRUE(read("out/movies/a.mp4") == read("out/movies/c.mp4"));
+}
+
+TEST_F(BriskletRender, aWorkerThatDiesTakesOneMovieWithItAndTheNextRunMakesThatOne) {
+  QStringList batch{"--into", "out", "--jobs", "2", "--keep"};
+  for (int i = 0; i < 6; ++i) {
+    QByteArray pings;
+    for (int k = 0; k < 12; ++k) pings += "{\"delayMs\": " + QByteArray::number(i + 300 * k) + "},";
+    batch.append(write(QString("%1.json").arg(i), R"({"notifications": [)" + pings + "{}]}"));
+  }
+  QProcess process;
+  start(process, QStringList(BRISKLET_RENDER) + batch);
+  ASSERT_TRUE(process.waitForStarted());
+  QByteArray workers;
+  while (workers.isEmpty() && !process.waitForFinished(1)) {
+    QFile children(QString("/proc/%1/task/%1/children").arg(process.processId()));
+    if (children.open(QIODevice::ReadOnly)) workers = children.readAll();
+  }
+  kill(workers.left(workers.indexOf(' ')).toInt(), SIGKILL);
+  ASSERT_TRUE(process.waitForFinished(120000));
+  EXPECT_EQ(process.exitCode(), 1);
+  const QString said = QString::fromUtf8(process.readAllStandardError());
+  EXPECT_TRUE(said.contains("the process that was making its movie crashed (signal 9)"))
+      << said.toStdString();
+  EXPECT_TRUE(said.contains("5 of 6 movies made, 1 not made")) << said.toStdString();
+  const Outcome again = run(batch);
+  EXPECT_EQ(again.status, 0);
+  EXPECT_EQ(again.said, "brisklet-render: 1 of 6 movies made, 5 kept\n");
+  for (int i = 0; i < 6; ++i) {
+    run({QString("%1.json").arg(i), "alone.mp4"});
+    EXPECT_TRUE(read("alone.mp4") == read(QString("out/%1.mp4").arg(i))) << i;
+  }
+  // What a movie is made from is newer than the movie.
+  QFile scene(file("3.json"));
+  ASSERT_TRUE(scene.open(QIODevice::ReadWrite) &&
+              scene.setFileTime(QDateTime::currentDateTime().addSecs(60), QFileDevice::FileModificationTime));
+  EXPECT_EQ(run(batch).said, "brisklet-render: 1 of 6 movies made, 5 kept\n");
 }
 
 TEST_F(BriskletRender, aDiskThatFillsUpEndsInASentenceAndLeavesNothing) {
