@@ -14,12 +14,15 @@
 #include <QPainter>
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace brisklet {
 
 namespace {
 
-constexpr TextStyle titleStyle{15, FontWeight::Semibold}, messageStyle{13, FontWeight::Regular};
-constexpr int cardWidth = 340, margin = 22, titleSpacing = 6, buttonTop = 20, buttonSpacing = 8;  // pt
+constexpr TextStyle titleStyle{15, FontWeight::Semibold}, messageStyle{13, FontWeight::Regular},
+    headingStyle{13, FontWeight::Medium};
+constexpr int cardWidth = 340, wideCardWidth = 600, headingWidth = 150, lineSpacing = 5, margin = 22, titleSpacing = 6, buttonTop = 20, buttonSpacing = 8;  // pt
 constexpr int mostLines = 12;
 constexpr double cardRadius = 16, shadowSigma = 20, shadowOffset = 12, shadowOpacity = 0.28;
 constexpr QColor scrim = Studio::srgb(0.067, 0.067, 0.071, 0.32);
@@ -87,10 +90,7 @@ void Alert::open(const Content& content) {
   if (isOpen() && content == content_) return;
   if (!isOpen()) formerFocus_ = window()->focusWidget();
   content_ = content;
-  title_ = TextLine(content.title, titleStyle, cardWidth - 2 * margin);
-  message_ = ClampedText(content.message, messageStyle, cardWidth - 2 * margin, mostLines);
-  setAccessibleName(content.title);
-  setAccessibleDescription(content.message);
+  layOut();
   confirm_->setTitle(content.confirm);
   confirm_->setVisible(!content.confirm.isEmpty());
   cancel_->setTitle(content.cancel);
@@ -104,6 +104,27 @@ void Alert::open(const Content& content) {
   QAccessible::updateAccessibility(&event);
 }
 
+void Alert::layOut() {
+  cardWidth_ = content_.lines.isEmpty() ? cardWidth : wideCardWidth;
+  const int width = cardWidth_ - 2 * margin;
+  title_ = TextLine(content_.title, titleStyle, width);
+  parts_.clear();
+  partsHeight_ = 0;
+  QStringList told;
+  const auto add = [&](const QString& heading, const QString& text) {
+    const int left = heading.isEmpty() ? 0 : headingWidth;
+    const ClampedText lines(text, messageStyle, width - left, mostLines);
+    parts_.append({TextLine(heading, headingStyle, headingWidth), lines, left, partsHeight_});
+    partsHeight_ += lines.height() + lineSpacing;
+    told += heading.isEmpty() ? text : u"%1: %2"_s.arg(heading, text);
+  };
+  if (!content_.message.isEmpty()) add({}, content_.message);
+  for (const auto& [heading, text] : content_.lines) add(heading, text);
+  partsHeight_ -= lineSpacing;
+  setAccessibleName(content_.title);
+  setAccessibleDescription(told.join(u'\n'));
+}
+
 void Alert::dismiss() {
   if (!isOpen()) return;
   content_ = {};
@@ -115,8 +136,8 @@ void Alert::dismiss() {
 
 QRect Alert::cardRect() const {
   int height = 2 * margin + rowHeight(titleStyle) + buttonTop + StudioButton::buttonHeight;
-  if (!content_.message.isEmpty()) height += titleSpacing + message_.height();
-  QRect card(0, 0, cardWidth, height);
+  if (!parts_.isEmpty()) height += titleSpacing + partsHeight_;
+  QRect card(0, 0, cardWidth_, height);
   card.moveCenter(rect().center());
   return card;
 }
@@ -152,7 +173,13 @@ void Alert::paintEvent(QPaintEvent*) {
   title_.draw(painter, QPointF(left, centredBaseline(painter, top, rowHeight(titleStyle), titleStyle)),
               Studio::ink);
   top += rowHeight(titleStyle) + titleSpacing;
-  message_.draw(painter, QPointF(left, top), Studio::mute);
+  for (const Part& part : parts_) {
+    const int line = top + part.top;
+    part.heading.draw(painter,
+                      QPointF(left, centredBaseline(painter, line, rowHeight(messageStyle), messageStyle)),
+                      Studio::ink);
+    part.text.draw(painter, QPointF(left + part.left, line), Studio::mute);
+  }
 }
 
 void Alert::keyPressEvent(QKeyEvent* event) {

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QString>
 #include <QWidget>
+#include <utility>
 
 namespace brisklet {
 
@@ -26,6 +27,9 @@ class Alert : public QWidget {
     QString confirm;
     /// The button that leaves everything as it is, which Escape and Enter press.
     QString cancel;
+    /// What else it tells, line by line, each under a heading at the left or without one. It makes the alert
+    /// wider.
+    QList<std::pair<QString, QString>> lines = {};
 
     friend bool operator==(const Content&, const Content&) = default;
   };
@@ -56,11 +60,19 @@ class Alert : public QWidget {
 
  private:
   void place();
+  void layOut();
 
   /// Empty while the alert is closed.
   Content content_;
   TextLine title_;
-  ClampedText message_;
+  /// The message and the lines, from the top of what is under the title.
+  struct Part {
+    TextLine heading;
+    ClampedText text;
+    int left = 0, top = 0;
+  };
+  QList<Part> parts_;
+  int cardWidth_ = 0, partsHeight_ = 0;
   StudioButton* confirm_;
   StudioButton* cancel_;
   QPointer<QWidget> formerFocus_;

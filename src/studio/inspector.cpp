@@ -5,6 +5,7 @@
 #include "studio/controls/inspector_block.h"
 #include "studio/controls/studio_button.h"
 #include "studio/controls/studio_field.h"
+#include "studio/editor/delay_text.h"
 #include "studio/picture_chip.h"
 #include "studio/type_chip.h"
 
@@ -44,6 +45,7 @@ Inspector::Inspector(QWidget* parent)
       message_(new StudioField(u"Text"_s)),
       delay_(new StudioField(u"Lands at (seconds)"_s)),
       addPing_(new StudioButton(u"Add ping"_s, {}, ButtonLook::Wide)) {
+  addPing_->setToolTip(u"Ctrl+Enter"_s);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
@@ -83,6 +85,10 @@ Inspector::Inspector(QWidget* parent)
   connect(delay_, &StudioField::textEdited, this, &Inspector::delayEdited);
   connect(delay_, &StudioField::editingFinished, this, [this] { delay_->setText(storedDelay_); });
   connect(addPing_, &QAbstractButton::clicked, this, &Inspector::addPingPressed);
+  for (const StudioField* field : {sender_, message_, delay_})
+    connect(field, &StudioField::editingFinished, this, &Inspector::editingFinished);
+  for (const StudioField* field : {sender_, message_})
+    connect(field->edit(), &QLineEdit::returnPressed, this, &Inspector::enterPressed);
 }
 
 void Inspector::addWallpapers(ChipGrid* grid) {
@@ -110,6 +116,11 @@ void Inspector::addApps(ChipGrid* grid) {
 
 void Inspector::focusAddPing(Qt::FocusReason reason) {
   addPing_->setFocus(reason);
+}
+
+void Inspector::focusMessage(Qt::FocusReason reason) {
+  message_->edit()->setFocus(reason);
+  message_->edit()->selectAll();
 }
 
 void Inspector::setState(const State& state) {
@@ -151,8 +162,11 @@ void Inspector::showTypes(const QString& appId) {
 }
 
 void Inspector::showDelay(const State& state) {
-  // While somebody types, the text stays theirs: it is written anew when they are done.
-  const bool typing = delay_->edit()->hasFocus() && delayOfPing_ == state.selectedPingId;
+  // While somebody types, the text stays theirs: it is written anew when they are done, or when the time is
+  // changed by other means.
+  const std::optional<double> typed = readSeconds(delay_->edit()->text());
+  const bool typing = delay_->edit()->hasFocus() && delayOfPing_ == state.selectedPingId &&
+                      (state.delay == storedDelay_ || (typed && secondsText(*typed) == state.delay));
   delayOfPing_ = state.selectedPingId;
   storedDelay_ = state.delay;
   if (!typing) delay_->setText(state.delay);

@@ -36,6 +36,8 @@ class Inspector : public QWidget {
 
   void setState(const State& state);
   void focusAddPing(Qt::FocusReason reason);
+  /// Has the next text typed over the present one.
+  void focusMessage(Qt::FocusReason reason);
 
  Q_SIGNALS:
   void wallpaperPicked(const QString& id);
@@ -47,6 +49,10 @@ class Inspector : public QWidget {
   void messageEdited(const QString& text);
   void delayEdited(const QString& text);
   void addPingPressed();
+  /// Enter in the sender or the text.
+  void enterPressed();
+  /// A field has been left, or Enter was pressed in it.
+  void editingFinished();
 
  private:
   void addWallpapers(ChipGrid* grid);

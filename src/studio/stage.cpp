@@ -1,10 +1,15 @@
 #include "studio/stage.h"
 
+#include "drawing/continuous_corners.h"
 #include "drawing/device_pixels.h"
+#include "drawing/text_line.h"
+#include "lockscreen/lock_screen_layout.h"
 #include "studio/controls/accessibility.h"
 #include "studio/controls/control_painting.h"
+#include "studio/controls/palette.h"
 #include "studio/stage_backdrop.h"
 
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScreen>
@@ -28,6 +33,7 @@ QString described(const QList<Ping>& pings) {
 Stage::Stage(QWidget* parent) : QWidget(parent) {
   setAccessibleRole(this, QAccessible::Graphic);
   setAccessibleName(u"Lock screen"_s);
+  setMouseTracking(true);
   frames_.setTimerType(Qt::PreciseTimer);
   connect(&frames_, &QTimer::timeout, this, &Stage::nextFrame);
 }
@@ -56,6 +62,34 @@ void Stage::setPlayer(const SequencePlayer* player) {
   setShownPings(LockScreenView{document_, *player}.visiblePings());
   animation_.reset(shownPings_);
   update();
+}
+
+void Stage::setNote(const QString& note) {
+  if (note == note_) return;
+  note_ = note;
+  update(phoneArea());
+}
+
+const Ping* Stage::pingAt(const QPointF& at) const {
+  const QRectF phone = phoneRect(size());
+  if (!phone.contains(at)) return nullptr;
+  const QPointF onCanvas = (at - phone.topLeft()) / phoneScale(size());
+  const QList<QRectF> cards = lockScreenLayout(document_, shownPings_.size()).cards;
+  for (qsizetype i = 0; i < std::min(cards.size(), shownPings_.size()); ++i)
+    if (cards[i].contains(onCanvas)) return &shownPings_[i];
+  return nullptr;
+}
+
+void Stage::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton) return;
+  if (const Ping* ping = pingAt(event->position()))
+    Q_EMIT cardPressed(Ping(*ping));
+  else if (!phoneRect(size()).contains(event->position()))
+    Q_EMIT besidePressed();
+}
+
+void Stage::mouseMoveEvent(QMouseEvent* event) {
+  setCursor(pingAt(event->position()) ? Qt::PointingHandCursor : Qt::ArrowCursor);
 }
 
 void Stage::setShownPings(QList<Ping> pings) {
@@ -104,6 +138,15 @@ void Stage::paintEvent(QPaintEvent* event) {
   painter.scale(phoneScale(size()), phoneScale(size()));
   LockScreenView{document_, *player_}.paint(painter, cache_,
                                             animation_.cards(SequencePlayer::steadyClockMs()));
+  if (!note_.isEmpty()) paintNote(painter);
+}
+
+void Stage::paintNote(QPainter& painter) const {
+  const QRectF canvas(0, 0, LockScreenMetrics::canvasWidth, LockScreenMetrics::canvasHeight);
+  painter.fillPath(continuousRoundedRect(canvas, LockScreenMetrics::liveCornerRadius),
+                   Studio::srgb(0, 0, 0, 0.6));
+  const TextLine line(note_, {20, FontWeight::Semibold}, canvas.width());
+  line.draw(painter, canvas.center() + QPointF(-line.width() / 2, line.ascent() / 2), Studio::white);
 }
 
 }  // namespace brisklet

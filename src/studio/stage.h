@@ -23,12 +23,24 @@ class Stage : public QWidget {
   void setDocument(const SequenceDocument& document);
   /// The player is not owned; the stage lets go of it when it is destroyed.
   void setPlayer(const SequencePlayer* player);
+  /// Says something over the phone, until it is empty.
+  void setNote(const QString& note);
+
+ Q_SIGNALS:
+  void cardPressed(const Ping& ping);
+  /// A press beside the phone.
+  void besidePressed();
 
  protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  /// The ping whose card is at a point of the stage.
+  [[nodiscard]] const Ping* pingAt(const QPointF& at) const;
+  void paintNote(QPainter& painter) const;
   void setShownPings(QList<Ping> pings);
   /// Moves the cards towards what is visible now.
   void follow();
@@ -41,6 +53,7 @@ class Stage : public QWidget {
   LockScreenCache cache_;
   CardStackAnimation animation_;
   QList<Ping> shownPings_;
+  QString note_;
   QImage backdrop_;
   QTimer frames_;
 };

@@ -6,14 +6,18 @@
 #include "studio/controls/palette.h"
 #include "studio/controls/rule.h"
 #include "studio/inspector.h"
+#include "studio/keys_sheet.h"
 #include "studio/stage.h"
 #include "studio/timeline.h"
 #include "studio/timeline_list.h"
 #include "studio/top_bar.h"
 #include "studio/window_frame.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPainter>
 #include <QShortcut>
 #include <QTimer>
@@ -50,10 +54,12 @@ StudioWindow::StudioWindow(StudioView::Services services, const MakePanels& make
   setMinimumSize(leastSize);
   // A click beside all controls takes the focus from a field.
   setFocusPolicy(Qt::ClickFocus);
+  setAcceptDrops(true);
 
   connectTopBar();
   connectInspector();
   connectTimeline();
+  connectStage();
   connectView();
   addShortcuts();
   connect(frame_, &WindowFrame::zoomedChanged, this, [this] { topBar_->setZoomed(frame_->isZoomed()); });
@@ -85,6 +91,7 @@ QSize StudioWindow::openingSize(const QSize& room) {
 
 void StudioWindow::connectTopBar() {
   connect(topBar_, &TopBar::titleEdited, view_.get(), &StudioView::setTitle);
+  connect(topBar_, &TopBar::titleFinished, view_.get(), &StudioView::endTyping);
   connect(topBar_, &TopBar::newPressed, view_.get(), &StudioView::startNew);
   connect(topBar_, &TopBar::playPressed, view_.get(), &StudioView::play);
   connect(topBar_, &TopBar::exportPressed, view_.get(), &StudioView::exportMovie);
@@ -103,13 +110,32 @@ void StudioWindow::connectInspector() {
   connect(inspector_, &Inspector::senderEdited, view_.get(), &StudioView::setSenderText);
   connect(inspector_, &Inspector::messageEdited, view_.get(), &StudioView::setMessageText);
   connect(inspector_, &Inspector::delayEdited, view_.get(), &StudioView::setDelayText);
-  connect(inspector_, &Inspector::addPingPressed, view_.get(), &StudioView::addPing);
+  connect(inspector_, &Inspector::editingFinished, view_.get(), &StudioView::endTyping);
+  connect(inspector_, &Inspector::addPingPressed, this, [this] {
+    view_->addPing();
+    // Whoever presses it by keyboard may press it again.
+    if (focusWidget() == this || qobject_cast<QLineEdit*>(focusWidget()))
+      inspector_->focusMessage(Qt::OtherFocusReason);
+  });
+  connect(inspector_, &Inspector::enterPressed, this, [this] {
+    if (view_->selectedPingId())
+      setFocus(Qt::OtherFocusReason);
+    else
+      addPing();
+  });
 }
 
 void StudioWindow::connectTimeline() {
   connect(timeline_, &Timeline::pingPressed, view_.get(), &StudioView::selectPing);
   connect(timeline_, &Timeline::removePressed, view_.get(), &StudioView::removePing);
   connect(timeline_, &Timeline::revealRequested, timelineArea_, &ColumnArea::reveal);
+}
+
+void StudioWindow::connectStage() {
+  connect(stage_, &Stage::cardPressed, view_.get(), [this](const Ping& ping) {
+    if (view_->selectedPingId() != ping.id) view_->selectPing(ping);
+  });
+  connect(stage_, &Stage::besidePressed, view_.get(), &StudioView::clearSelection);
 }
 
 void StudioWindow::connectView() {
@@ -146,6 +172,80 @@ void StudioWindow::addShortcuts() {
   add(QKeySequence::New, Qt::CTRL | Qt::Key_N, [this] { Q_EMIT newWindowRequested(); });
   add(QKeySequence::Close, Qt::CTRL | Qt::Key_W, [this] { close(); });
   add(QKeySequence::Quit, Qt::CTRL | Qt::Key_Q, [this] { Q_EMIT quitRequested(); });
+
+  const auto command = [this](const QList<QKeySequence>& keys, bool repeats, auto action) {
+    for (const QKeySequence& key : keys) {
+      auto* shortcut = new QShortcut(key, this);
+      shortcut->setAutoRepeat(repeats);
+      connect(shortcut, &QShortcut::activated, this, [this, action] {
+        if (!alert_->isOpen()) action();
+      });
+    }
+  };
+  command({Qt::CTRL | Qt::Key_Return, Qt::CTRL | Qt::Key_Enter}, false, [this] { addPing(); });
+  command({Qt::CTRL | Qt::Key_D}, false, [this] { view_->duplicatePing(currentPingId()); });
+  command({Qt::CTRL | Qt::Key_P}, false, [this] { view_->play(); });
+  command({Qt::CTRL | Qt::Key_E}, false, [this] { view_->exportMovie(); });
+  command({Qt::Key_F1}, false, [this] { alert_->open(keysSheet()); });
+  const auto nudge = [&](Qt::Modifiers modifiers, double ms) {
+    command({modifiers | Qt::Key_Left, modifiers | Qt::Key_Up}, true,
+            [this, ms] { view_->nudgePing(currentPingId(), -ms); });
+    command({modifiers | Qt::Key_Right, modifiers | Qt::Key_Down}, true,
+            [this, ms] { view_->nudgePing(currentPingId(), ms); });
+  };
+  nudge(Qt::ALT, 100);
+  nudge(Qt::ALT | Qt::SHIFT, 10);
+}
+
+void StudioWindow::addPing() {
+  view_->addPing();
+  inspector_->focusMessage(Qt::ShortcutFocusReason);
+}
+
+QString StudioWindow::currentPingId() const {
+  const TimelineList* list = timeline_->list();
+  if (list->hasFocus() && list->currentRow() >= 0) return list->ping(list->currentRow()).id;
+  return view_->selectedPingId().value_or(QString());
+}
+
+void StudioWindow::copyPing() const {
+  const QByteArray scene = view_->copiedPing(currentPingId());
+  if (!scene.isEmpty()) QGuiApplication::clipboard()->setText(QString::fromUtf8(scene));
+}
+
+void StudioWindow::paste() {
+  const QMimeData* carried = QGuiApplication::clipboard()->mimeData();
+  if (carried && !takePhoto(*carried) && carried->hasText()) view_->pastePings(carried->text().toUtf8());
+}
+
+bool StudioWindow::isPhoto(const QMimeData& carried) const {
+  const QList<QUrl> urls = carried.urls();
+  if (urls.isEmpty()) return carried.hasImage();
+  return urls.size() == 1 && urls.first().isLocalFile() && view_->isOffered(urls.first().toLocalFile());
+}
+
+bool StudioWindow::takePhoto(const QMimeData& carried) {
+  if (!isPhoto(carried)) return false;
+  if (carried.hasUrls())
+    view_->usePhoto(carried.urls().first().toLocalFile());
+  else
+    view_->usePhoto(qvariant_cast<QImage>(carried.imageData()));
+  return true;
+}
+
+void StudioWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (alert_->isOpen() || !isPhoto(*event->mimeData())) return;
+  event->acceptProposedAction();
+  stage_->setNote(u"Drop the photo to use it here"_s);
+}
+
+void StudioWindow::dragLeaveEvent(QDragLeaveEvent*) {
+  stage_->setNote({});
+}
+
+void StudioWindow::dropEvent(QDropEvent* event) {
+  stage_->setNote({});
+  if (takePhoto(*event->mimeData())) event->acceptProposedAction();
 }
 
 void StudioWindow::showState() {
@@ -206,11 +306,27 @@ void StudioWindow::closeEvent(QCloseEvent* event) {
 }
 
 void StudioWindow::keyPressEvent(QKeyEvent* event) {
-  if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
-  if (view_->selectedPingId())
+  const bool isOnRow = timeline_->list()->hasFocus();
+  if (event->matches(QKeySequence::Undo)) {
+    view_->undo();
+  } else if (event->matches(QKeySequence::Redo) || event->keyCombination() == (Qt::CTRL | Qt::Key_Y)) {
+    view_->redo();
+  } else if (event->matches(QKeySequence::Paste)) {
+    paste();
+  } else if (event->matches(QKeySequence::Copy) && isOnRow) {
+    copyPing();
+  } else if (event->matches(QKeySequence::Cut) && isOnRow) {
+    copyPing();
+    view_->removePing(currentPingId());
+  } else if (event->key() == Qt::Key_Space && hasFocus()) {
+    view_->play();
+  } else if (event->key() == Qt::Key_Escape && view_->selectedPingId()) {
     view_->clearSelection();
-  else
+  } else if (event->key() == Qt::Key_Escape) {
     setFocus(Qt::OtherFocusReason);
+  } else {
+    QWidget::keyPressEvent(event);
+  }
 }
 
 void StudioWindow::paintEvent(QPaintEvent*) {

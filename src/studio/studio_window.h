@@ -3,6 +3,7 @@
 #include "desktop/file_panels.h"
 #include "studio/editor/studio_view.h"
 
+#include <QMimeData>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -45,17 +46,30 @@ class StudioWindow : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   void connectTopBar();
   void connectInspector();
   void connectTimeline();
+  void connectStage();
   void connectView();
   void addShortcuts();
   void showState();
   void showTopBar();
   void showError();
   void askToStop();
+  /// Adds a ping, and has the text of the next one typed.
+  void addPing();
+  /// The ping that keys act on: the selected one, or that of the row in focus; empty when there is none.
+  [[nodiscard]] QString currentPingId() const;
+  void copyPing() const;
+  void paste();
+  /// Uses the photo that is dropped or pasted, if it is one.
+  bool takePhoto(const QMimeData& carried);
+  [[nodiscard]] bool isPhoto(const QMimeData& carried) const;
 
   // The editor is destroyed before its panels.
   std::unique_ptr<FilePanels> panels_;

@@ -37,7 +37,8 @@ TimelineList::TimelineList(QWidget* parent)
 }
 
 void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QString>& selectedId) {
-  const bool countDiffers = pings.size() != rows_.size();
+  const bool rowsDiffer = !std::equal(pings.begin(), pings.end(), rows_.begin(), rows_.end(),
+                                      [](const Ping& ping, const Row& row) { return ping.id == row.ping.id; });
   const qsizetype formerCurrent = currentRow();
   setRows(pings);
   setSelected(selectedId);
@@ -46,7 +47,7 @@ void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QStrin
     currentId_ = rows_.isEmpty() || formerCurrent < 0
                      ? QString()
                      : rows_[std::min(formerCurrent, rows_.size() - 1)].ping.id;
-  if (countDiffers) {
+  if (rowsDiffer) {
     hovered_ = underMouse() ? spotAt(mapFromGlobal(QCursor::pos())) : Spot{};
     pressed_ = {};
     announceTimelineRows(*this);
@@ -73,7 +74,10 @@ void TimelineList::setSelected(const std::optional<QString>& id) {
   const qsizetype former = selectedId_ ? rowOf(*selectedId_) : -1;
   selectedId_ = id;
   const qsizetype selected = id ? rowOf(*id) : -1;
-  if (selected >= 0) currentId_ = *id;
+  if (selected >= 0) {
+    currentId_ = *id;
+    Q_EMIT revealRequested(rowRect(selected));
+  }
   for (const qsizetype row : {former, selected}) {
     updateRow(row);
     announceTimelineSelection(*this, row);
@@ -203,7 +207,7 @@ bool TimelineList::event(QEvent* event) {
   const auto* help = static_cast<QHelpEvent*>(event);
   const Spot spot = spotAt(help->pos());
   if (spot.isRemove)
-    QToolTip::showText(help->globalPos(), u"Remove"_s, this, removeRect(spot.row));
+    QToolTip::showText(help->globalPos(), u"Remove (Delete)"_s, this, removeRect(spot.row));
   else
     QToolTip::hideText();
   return true;

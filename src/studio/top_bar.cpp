@@ -39,6 +39,7 @@ QImage tinted(const QImage& picture, const QColor& color) {
 TopBar::TopBar(QWidget* parent)
     : QWidget(parent),
       title_(new StudioLineEdit({14, FontWeight::Medium}, titleOutset, 2, this)),
+      percentage_(new StudioText({12, FontWeight::Medium}, Studio::ink, this)),
       summary_(new StudioText({12, FontWeight::Medium}, Studio::mute, this)),
       new_(new StudioButton(u"New"_s, {}, ButtonLook::Flat, this)),
       play_(new StudioButton(u"Play"_s, u"play.fill"_s, ButtonLook::Flat, this)),
@@ -47,8 +48,10 @@ TopBar::TopBar(QWidget* parent)
       zoom_(new WindowButton(u"window.zoom"_s, u"Zoom"_s, this)),
       close_(new WindowButton(u"window.close"_s, u"Close"_s, this)) {
   setFixedHeight(barHeight);
-  summary_->setFixedHeight(StudioButton::buttonHeight);
-  summary_->standWith(StudioButton::titleStyle);
+  for (StudioText* text : {percentage_, summary_}) {
+    text->setFixedHeight(StudioButton::buttonHeight);
+    text->standWith(StudioButton::titleStyle);
+  }
   if (const auto mark = BundleImage::named(u"brisklet-mark"_s)) logo_ = tinted(*mark, Studio::ink);
 
   title_->setPlaceholderText(u"Untitled video"_s);
@@ -57,7 +60,14 @@ TopBar::TopBar(QWidget* parent)
   title_->installEventFilter(this);
   new FocusMark(title_, titleRadius);
 
+  title_->setToolTip(u"The movie's file is named after it. F1 shows all keys."_s);
+  new_->setToolTip(u"Ctrl+Z takes it back"_s);
+  play_->setToolTip(u"Ctrl+P"_s);
+  export_->setToolTip(u"Ctrl+E"_s);
+  close_->setToolTip(u"Close (Ctrl+W)"_s);
+
   connect(title_, &StudioLineEdit::lineEdited, this, &TopBar::titleEdited);
+  connect(title_, &QLineEdit::editingFinished, this, &TopBar::titleFinished);
   connect(new_, &QAbstractButton::clicked, this, &TopBar::newPressed);
   connect(play_, &QAbstractButton::clicked, this, &TopBar::playPressed);
   connect(export_, &QAbstractButton::clicked, this, &TopBar::exportPressed);
@@ -73,9 +83,8 @@ void TopBar::setState(const State& state) {
   play_->setUsable(state.canPlay);
   export_->setTitle(state.exportProgress ? u"Exporting"_s : u"Export"_s);
   export_->setUsable(state.canExport);
-  const QString percentage =
-      state.exportProgress ? u"%1%"_s.arg(static_cast<int>(*state.exportProgress * 100)) : QString();
-  export_->setToolTip(percentage);
+  percentage_->setText(
+      state.exportProgress ? u"%1%"_s.arg(static_cast<int>(*state.exportProgress * 100)) : QString());
   place();
 }
 
@@ -104,6 +113,7 @@ void TopBar::place() {
   putLeft(play_, spacing);
   putLeft(new_, spacing);
   putLeft(summary_, spacing);
+  putLeft(percentage_, spacing);
 }
 
 void TopBar::paintEvent(QPaintEvent*) {

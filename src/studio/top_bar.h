@@ -39,6 +39,7 @@ class TopBar : public QWidget {
 
  Q_SIGNALS:
   void titleEdited(const QString& title);
+  void titleFinished();
   void newPressed();
   void playPressed();
   void exportPressed();
@@ -63,6 +64,7 @@ class TopBar : public QWidget {
 
   QImage logo_;
   StudioLineEdit* title_;
+  StudioText* percentage_;
   StudioText* summary_;
   StudioButton* new_;
   StudioButton* play_;

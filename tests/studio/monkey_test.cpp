@@ -15,10 +15,12 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCoroFuture>
+#include <QDeadlineTimer>
 #include <QDialog>
-#include <QElapsedTimer>
+#include <QMimeData>
 #include <QPromise>
 #include <QTest>
+#include <QThreadPool>
 #include <QWheelEvent>
 #include <iostream>
 #include <memory>
@@ -50,14 +52,8 @@ class Monkey {
   explicit Monkey(unsigned seed) : random_(seed) {}
 
   void workFor(qint64 ms) {
-    for (const QElapsedTimer time =
-             [] {
-               QElapsedTimer t;
-               t.start();
-               return t;
-             }();
-         time.elapsed() < ms && !testing::Test::HasFailure();)
-      step();
+    const QDeadlineTimer end(ms);
+    while (!end.hasExpired() && !testing::Test::HasFailure()) step();
     for (const auto& each : exports_) each->promise.finish();
     for (StudioWindow* each : windows()) delete each;
     QTest::qWait(1);
@@ -71,7 +67,12 @@ class Monkey {
     QPromise<void> promise;
     bool fails = false;
   };
-  using Former = QHash<StudioWindow*, std::pair<SequenceDocument, std::optional<QString>>>;
+  struct Former {
+    SequenceDocument document;
+    std::optional<QString> selectedId;
+    /// What the keys act on.
+    QString currentId;
+  };
 
   int below(int end) { return static_cast<int>(random_() % static_cast<unsigned>(end)); }
   bool oneIn(int times) { return below(times) == 0; }
@@ -84,12 +85,14 @@ class Monkey {
     StudioView::Services services;
     services.exportMovie = [this](SequenceDocument, QString, StudioView::Progress progress,
                                   std::stop_token stop) { return runExport(progress, stop); };
+    // These two on another thread, while this one waits.
     services.decodeImage = [this](const QString&) {
       return oneIn(3) ? std::nullopt : std::optional(QImage(2, 2, QImage::Format_RGB32));
     };
+    services.imageSuffixes = QStringList{"png"};
     services.saveWallpaper = [this](const QImage&) -> QString {
       if (oneIn(3)) throw Error("The disk is full.");
-      return "/a/photo.jpg";
+      return QString("/a/photo%1.jpg").arg(below(3));
     };
     services.clock = [this] { return nowMs_; };
     return services;
@@ -127,15 +130,15 @@ class Monkey {
   /// What an event on a control may do to the document.
   static QString mayDo(const QString& name) {
     if (QStringList{"Sender", "Text", "Lands at (seconds)", "App", "Type"}.contains(name)) return "ping";
-    if (name == "Lock screen" || name == "QDialog") return "wallpaper";
-    if (name == "Add ping") return "addition";
+    if (name == "Lock screen" || name == "QDialog" || name == "drop") return "wallpaper";
+    if (name == "Add ping" || name == "addition") return "addition";
     if (name == "Pings") return "removal";
     if (name == "QMenu") return "title ping";
     return name == "New" ? "all" : name == "Title" ? "title" : "";
   }
-  /// Of another ping than the selected one, all that differs is too much.
-  static QString difference(const SequenceDocument& before, const SequenceDocument& after,
-                            const std::optional<QString>& selectedId) {
+  /// Of another ping than the one that is worked on, all that differs is too much.
+  static QString difference(const Former& former, const SequenceDocument& after) {
+    const SequenceDocument& before = former.document;
     const auto lacking = [](const QList<Ping>& pings, const QList<Ping>& others) {
       return std::count_if(pings.begin(), pings.end(),
                            [&](const Ping& each) { return !others.contains(each); });
@@ -146,9 +149,11 @@ class Monkey {
     if (before.title != after.title) parts << "title";
     if (before.wallpaper != after.wallpaper || before.wallpaperUrl != after.wallpaperUrl)
       parts << "wallpaper";
-    const bool isSelected = std::any_of(
-        before.notifications.begin(), before.notifications.end(),
-        [&](const Ping& each) { return each.id == selectedId && !after.notifications.contains(each); });
+    const bool isSelected =
+        std::any_of(before.notifications.begin(), before.notifications.end(), [&](const Ping& each) {
+          return (each.id == former.selectedId || each.id == former.currentId) &&
+                 !after.notifications.contains(each);
+        });
     if (gone > 1 || come > 1 || (gone && come && !isSelected)) return "all";
     if (gone || come) parts << (gone && come ? "ping" : gone ? "removal" : "addition");
     return parts.size() > 1 || (parts.isEmpty() && !(before == after)) ? "all" : parts.join(' ');
@@ -160,7 +165,10 @@ class Monkey {
     static const QStringList keys =
         QString(
             "Tab Tab Tab Tab Backtab Backtab Space Space Return Return Esc Left Right Up Down Home End PgUp "
-            "PgDown Del Del Backspace A 1 , Ctrl+A Ctrl+V Ctrl+Z Ctrl+N Ctrl+W Ctrl+Q")
+            "PgDown Del Del Backspace A 1 , Ctrl+A Ctrl+C Ctrl+X Ctrl+V Ctrl+V Ctrl+Z Ctrl+Z Ctrl+Z "
+            "Ctrl+Shift+Z Ctrl+Y Ctrl+Return Ctrl+D Ctrl+E Ctrl+P F1 Alt+Left Alt+Down Alt+Shift+Right "
+            "Ctrl+N "
+            "Ctrl+W Ctrl+Q")
             .split(' ');
     const QKeyCombination pressed = QKeySequence(anyOf(keys))[0];
     const bool isCtrl = pressed.keyboardModifiers() == Qt::ControlModifier;
@@ -171,19 +179,52 @@ class Monkey {
     if (!window) return {};
     static const QStringList clips{"a\nb\r\nc\td", "e\u2028f\u2029g",     "1,5",
                                    "-2",           "👍🏽 مرحبا", QString(300, u'w')};
-    if (pressed.key() == Qt::Key_V) QApplication::clipboard()->setText(anyOf(clips));
+    if (pressed.key() == Qt::Key_V && oneIn(2)) QApplication::clipboard()->setText(anyOf(clips));
+    if (pressed.key() == Qt::Key_V && oneIn(9))
+      QApplication::clipboard()->setImage(QImage(2, 2, QImage::Format_RGB32));
     QWidget* popup = QApplication::activePopupWidget();
+    // Alt alone closes a menu, and its window does not live to see the rest of the key.
+    if (popup && (pressed.keyboardModifiers() & Qt::AltModifier)) return {};
     QWidget* top = QWidget::find(window->winId());
     QWidget* on = popup ? popup : top && top->focusWidget() ? top->focusWidget() : top;
     const QString name = nameOf(on);
     mayClose_ = ends || name == "Close";
+    // What a key does wherever the focus is.
+    static const QHash<int, QString> anywhere{{Qt::CTRL | Qt::Key_Return, "addition"},
+                                              {Qt::CTRL | Qt::Key_D, "addition"},
+                                              {Qt::CTRL | Qt::Key_V, "drop addition"},
+                                              {Qt::CTRL | Qt::Key_Z, "New"},
+                                              {Qt::CTRL | Qt::Key_Y, "New"},
+                                              {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "New"},
+                                              {Qt::ALT | Qt::Key_Left, "Text"},
+                                              {Qt::ALT | Qt::Key_Down, "Text"},
+                                              {Qt::ALT | Qt::SHIFT | Qt::Key_Right, "Text"}};
+    QString may = mayDo(name);
+    for (const QString& each : anywhere.value(pressed.toCombined()).split(' ')) may += ' ' + mayDo(each);
+    if (pressed.key() == Qt::Key_Return && (name == "Sender" || name == "Text")) may += " addition";
+    isReversible_ = !may.contains("all");
     if (oneIn(4)) {
+      isReversible_ = false;
       QKeyEvent held(QEvent::KeyPress, pressed.key(), pressed.keyboardModifiers(), {}, true);
       for (int i = 0; i < 3 && on; ++i) QApplication::sendEvent(window, &held);
     } else {
       QTest::keyClick(window, pressed.key(), pressed.keyboardModifiers());
     }
-    return say("key " + QKeySequence(pressed).toString(), name);
+    say("key " + QKeySequence(pressed).toString(), name);
+    return may;
+  }
+  QString drop(StudioWindow* window) {
+    QMimeData carried;
+    const bool isPhoto = oneIn(2);
+    carried.setUrls({QUrl::fromLocalFile(isPhoto ? "/a/b.png" : "/a/b.txt")});
+    QDragEnterEvent enter({600, 400}, Qt::CopyAction, &carried, {}, {});
+    enter.ignore();
+    QApplication::sendEvent(window, &enter);
+    EXPECT_EQ(enter.isAccepted(), isPhoto && !window->findChild<Alert*>()->isOpen());
+    if (!enter.isAccepted()) return {};
+    QDropEvent dropped(QPointF(600, 400), Qt::CopyAction, &carried, {}, {});
+    QApplication::sendEvent(window, &dropped);
+    return say("photo", "drop");
   }
   QString click(StudioWindow* window) {
     QList<QWidget*> controls{window};
@@ -276,6 +317,7 @@ class Monkey {
   /// longest.
   void settle() {
     if (oneIn(8)) QTest::qWait(0);
+    QThreadPool::globalInstance()->waitForDone();
     for (const int kind : {QEvent::MetaCall, QEvent::FutureCallOut, QEvent::MetaCall, QEvent::LayoutRequest,
                            QEvent::DeferredDelete})
       QCoreApplication::sendPostedEvents(nullptr, kind);
@@ -288,10 +330,15 @@ class Monkey {
     // Somebody else's window manager would do this.
     QWidget* active = QApplication::activeWindow();
     if (!active || !active->isVisible() || (active == &other_ && oneIn(3))) before.first()->activateWindow();
-    Former former;
-    for (StudioWindow* each : before)
-      former.insert(each, {each->view().document(), each->view().selectedPingId()});
+    QHash<StudioWindow*, Former> former;
+    for (StudioWindow* each : before) {
+      const auto* list = each->findChild<TimelineList*>();
+      const QString current = list->currentRow() < 0 ? QString() : list->ping(list->currentRow()).id;
+      former.insert(each, {each->view().document(), each->view().selectedPingId(), current});
+      each->view().endTyping();
+    }
     mayClose_ = false;
+    isReversible_ = true;
     ++steps_;
 
     StudioWindow* window = anyOf(before);
@@ -299,7 +346,8 @@ class Monkey {
     const QString mayChange = choice < 17   ? pressKey()
                               : choice < 33 ? click(window)
                               : choice < 35 ? answerDialog()
-                              : choice < 38 ? moveExport()
+                              : choice < 37 ? moveExport()
+                              : choice < 38 ? drop(window)
                                             : treat(window);
     settle();
     for (const auto& each : QList(exports_))
@@ -314,10 +362,11 @@ class Monkey {
         EXPECT_TRUE(mayClose_) << "A window has closed by itself.";
         continue;
       }
-      const QString what = difference(former[each].first, each->view().document(), former[each].second);
+      const QString what = difference(former[each], each->view().document());
       if (what.isEmpty()) continue;
       ++changed;
-      EXPECT_TRUE(mayChange == "all" || mayChange.split(' ').contains(what))
+      if (isReversible_ && oneIn(3)) expectReversible(each->view(), former[each]);
+      EXPECT_TRUE(mayChange.contains("all") || mayChange.split(' ').contains(what))
           << "Nobody asked for this: " << what.toStdString();
     }
     EXPECT_LE(changed, 1) << "Windows share nothing.";
@@ -329,6 +378,14 @@ class Monkey {
     expectKeyboardIsAlive();
   }
 
+  static void expectReversible(StudioView& view, const Former& former) {
+    const SequenceDocument changed = view.document();
+    view.undo();
+    EXPECT_EQ(view.document(), former.document) << "Undo goes back to what was.";
+    EXPECT_EQ(view.selectedPingId(), former.selectedId);
+    view.redo();
+    EXPECT_EQ(view.document(), changed);
+  }
   static void expectShown(StudioWindow* window) {
     const StudioView& view = window->view();
     const auto edit = [&](const char* name) { return named<StudioLineEdit>(window, {name}); };
@@ -352,9 +409,11 @@ class Monkey {
     }
     const auto* alert = window->findChild<Alert*>();
     const bool asks = alert->isOpen() && alert->accessibleName() == "Stop the export?";
-    EXPECT_EQ(alert->isOpen(), asks || !view.error().isEmpty());
-    EXPECT_TRUE(!alert->isOpen() ||
-                (asks ? view.exporting() : alert->accessibleDescription() == view.error()));
+    const bool tellsKeys = alert->isOpen() && alert->accessibleName().startsWith("Keys");
+    EXPECT_EQ(alert->isOpen(), asks || tellsKeys || !view.error().isEmpty());
+    EXPECT_TRUE(!alert->isOpen() || (asks        ? view.exporting()
+                                     : tellsKeys ? view.error().isEmpty()
+                                                 : alert->accessibleDescription() == view.error()));
   }
   static void expectKeyboardIsAlive() {
     const auto* window = qobject_cast<StudioWindow*>(QApplication::activeWindow());
@@ -379,6 +438,8 @@ class Monkey {
   QStringList acts_;
   int steps_ = 0;
   bool mayClose_ = false;
+  /// The event was one change, which one undo takes back.
+  bool isReversible_ = true;
 };
 
 TEST(MonkeyTest, whateverIsPressedTheStudioStands) {

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace brisklet {
 
@@ -51,12 +52,16 @@ void ChipGrid::add(Chip* chip) {
   connect(chip, &Chip::focused, this, [this, chip] { setTabStop(chip); });
   place();
   chip->show();
-  selectionChanged();
 }
 
 void ChipGrid::clear() {
-  qDeleteAll(chips_);
-  chips_.clear();
+  const QWidget* focused = window()->focusWidget();
+  hadFocus_ = focused && isAncestorOf(focused);
+  if (hadFocus_) window()->setFocus(Qt::OtherFocusReason);
+  for (Chip* chip : std::exchange(chips_, {})) {
+    chip->hide();
+    chip->deleteLater();
+  }
 }
 
 void ChipGrid::selectionChanged() {
@@ -64,7 +69,9 @@ void ChipGrid::selectionChanged() {
     return;
   const auto selected =
       std::find_if(chips_.begin(), chips_.end(), [](const Chip* chip) { return chip->isSelected(); });
-  setTabStop(selected == chips_.end() ? chips_.first() : *selected);
+  Chip* const stop = selected == chips_.end() ? chips_.first() : *selected;
+  setTabStop(stop);
+  if (std::exchange(hadFocus_, false)) stop->setFocus(Qt::TabFocusReason);
 }
 
 void ChipGrid::setTabStop(const Chip* stop) {

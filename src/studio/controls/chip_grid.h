@@ -35,9 +35,10 @@ class ChipGrid : public QWidget {
 
   /// Takes the chip over.
   void add(Chip* chip);
+  /// The focus, if a chip has it, goes to one of those that come.
   void clear();
   [[nodiscard]] const QList<Chip*>& chips() const { return chips_; }
-  /// To be called when another chip may be selected.
+  /// To be called when there are other chips, or another may be selected.
   void selectionChanged();
 
  protected:
@@ -53,6 +54,7 @@ class ChipGrid : public QWidget {
 
   ChipRows rows_;
   QList<Chip*> chips_;
+  bool hadFocus_ = false;
 };
 
 }  // namespace brisklet

@@ -2,7 +2,9 @@
 
 #include "studio/controls/palette.h"
 
+#include <QClipboard>
 #include <QFocusEvent>
+#include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QPalette>
 #include <QTextLayout>
@@ -33,6 +35,7 @@ QString inOneLine(QString text) {
 StudioLineEdit::StudioLineEdit(const TextStyle& style, int leftMargin, int rightMargin, QWidget* parent)
     : QLineEdit(parent), leftMargin_(leftMargin - ownMargin), rightMargin_(rightMargin - ownMargin) {
   setFrame(false);
+  setAcceptDrops(false);  // the window takes photos wherever they are dropped
   setFont(systemFont(style.sizePt, style.weight));
   setAttribute(Qt::WA_MacShowFocusRect, false);
   QPalette colors = palette();
@@ -56,6 +59,17 @@ void StudioLineEdit::showText(const QString& shown) {
   setText(shown);
   isShowing_ = false;
   if (!hasFocus()) setCursorPosition(0);
+}
+
+void StudioLineEdit::keyPressEvent(QKeyEvent* event) {
+  const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if ((event->matches(QKeySequence::Undo) && !isUndoAvailable()) ||
+      (event->matches(QKeySequence::Redo) && !isRedoAvailable()) ||
+      (event->matches(QKeySequence::Paste) && QGuiApplication::clipboard()->text().isEmpty()) ||
+      (isEnter && event->isAutoRepeat()))
+    event->ignore();
+  else
+    QLineEdit::keyPressEvent(event);
 }
 
 void StudioLineEdit::inputMethodEvent(QInputMethodEvent* event) {

@@ -1,14 +1,17 @@
 #include "studio/editor/studio_view.h"
 
+#include "base/background.h"
 #include "base/error.h"
 #include "base/graphemes.h"
 #include "desktop/file_manager.h"
 #include "desktop/file_panels.h"
+#include "model/document_json.h"
 #include "model/text.h"
 #include "sound/tone_player.h"
 #include "studio/editor/delay_text.h"
 #include "studio/editor/slug.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -20,6 +23,10 @@ namespace brisklet {
 namespace {
 
 constexpr double gapMs = 700;
+/// How much is kept to go back to: changes, and pings in all of them.
+constexpr qsizetype mostChanges = 200, mostPingsKept = 200'000;
+/// Who pauses this long while typing begins another change.
+constexpr double pauseMs = 2000;
 
 std::optional<qsizetype> indexOf(const QList<Ping>& pings, const std::optional<QString>& id) {
   if (!id) return {};
@@ -84,10 +91,47 @@ void StudioView::makePlayer() {
 }
 
 template <typename Edit>
-void StudioView::change(Edit edit) {
+void StudioView::change(Edit edit, const QString& typedInto) {
   const State former = state_;
   edit(state_);
+  if (!(former.document == state_.document)) remember(former, typedInto);
   announceChanges(former);
+}
+
+void StudioView::remember(const State& former, const QString& typedInto) {
+  const double nowMs = services_.clock();
+  const bool goesOn = !typedInto.isEmpty() && typedInto == typedInto_ && nowMs - typedAtMs_ < pauseMs;
+  typedInto_ = typedInto;
+  typedAtMs_ = nowMs;
+  future_.clear();
+  if (!goesOn) {
+    past_.append(former);
+  } else if (past_.last().document == state_.document) {
+    // All that was typed has been taken back.
+    past_.removeLast();
+    endTyping();
+  }
+  qsizetype pings = 0;
+  const auto oldest = std::find_if(past_.crbegin(), past_.crend(), [&pings](const State& state) {
+    return (pings += state.document.notifications.size()) > mostPingsKept;
+  });
+  past_.remove(0, std::max(past_.crend() - oldest, past_.size() - mostChanges));
+}
+
+void StudioView::travel(QList<State>& from, QList<State>& to) {
+  endTyping();
+  if (from.isEmpty()) return;
+  to.append(state_);
+  const State former = std::exchange(state_, from.takeLast());
+  announceChanges(former);
+}
+
+void StudioView::undo() {
+  travel(past_, future_);
+}
+
+void StudioView::redo() {
+  travel(future_, past_);
 }
 
 void StudioView::announceChanges(const State& former) {
@@ -154,9 +198,11 @@ QString StudioView::senderText() const {
 }
 
 void StudioView::setSenderText(const QString& text) {
-  change([&text, index = selectedIndex()](State& state) {
-    (index ? state.document.notifications[*index].title : state.draftTitle) = text;
-  });
+  change(
+      [&text, index = selectedIndex()](State& state) {
+        (index ? state.document.notifications[*index].title : state.draftTitle) = text;
+      },
+      u"sender "_s + state_.selectedPingId.value_or(QString()));
 }
 
 QString StudioView::messageText() const {
@@ -165,9 +211,11 @@ QString StudioView::messageText() const {
 }
 
 void StudioView::setMessageText(const QString& text) {
-  change([&text, index = selectedIndex()](State& state) {
-    (index ? state.document.notifications[*index].message : state.draftMessage) = text;
-  });
+  change(
+      [&text, index = selectedIndex()](State& state) {
+        (index ? state.document.notifications[*index].message : state.draftMessage) = text;
+      },
+      u"text "_s + state_.selectedPingId.value_or(QString()));
 }
 
 QString StudioView::delayText() const {
@@ -179,7 +227,8 @@ void StudioView::setDelayText(const QString& text) {
   const auto index = selectedIndex();
   const auto delayMs = readSeconds(text);
   if (!index || !delayMs) return;
-  change([&](State& state) { state.document.notifications[*index].delayMs = *delayMs; });
+  change([&](State& state) { state.document.notifications[*index].delayMs = *delayMs; },
+         u"landing "_s + *state_.selectedPingId);
 }
 
 void StudioView::addPing() {
@@ -188,7 +237,6 @@ void StudioView::addPing() {
   const bool isCustom = app.id == customId;
   const bool isNamed = !state_.customAppLabel.trimmed().isEmpty();
   const QString label = !isCustom ? app.label : isNamed ? state_.customAppLabel : u"App"_s;
-  const QList<Ping>& pings = state_.document.notifications;
   const Ping ping{
       .id = newUuid(),
       .appId = app.id,
@@ -197,13 +245,63 @@ void StudioView::addPing() {
       .color = app.color,
       .title = type.titleOverride.value_or(state_.draftTitle),
       .message = state_.draftMessage.isEmpty() ? type.message : state_.draftMessage,
-      .delayMs = pings.isEmpty() ? gapMs : pings.last().delayMs + gapMs,
+      .delayMs = nextLandingMs(),
       .sound = {},
   };
   change([&ping](State& state) {
     state.selectedPingId.reset();
     state.document.notifications.append(ping);
   });
+}
+
+double StudioView::nextLandingMs() const {
+  const QList<Ping>& pings = state_.document.notifications;
+  return pings.isEmpty() ? gapMs : pings.last().delayMs + gapMs;
+}
+
+void StudioView::append(QList<Ping> pings) {
+  if (pings.isEmpty()) return;
+  const double laterMs = nextLandingMs() - pings.first().delayMs;
+  for (Ping& ping : pings) {
+    ping.id = newUuid();
+    ping.delayMs = std::max(0.0, ping.delayMs + laterMs);
+  }
+  change([&pings](State& state) {
+    state.document.notifications += pings;
+    select(state, pings.last());
+  });
+}
+
+void StudioView::duplicatePing(const QString& id) {
+  if (const auto index = indexOf(state_.document.notifications, id))
+    append({state_.document.notifications[*index]});
+}
+
+QByteArray StudioView::copiedPing(const QString& id) const {
+  const auto index = indexOf(state_.document.notifications, id);
+  if (!index) return {};
+  SequenceDocument scene = SequenceDocument::blank();
+  scene.notifications = {state_.document.notifications[*index]};
+  return encodeDocument(scene);
+}
+
+void StudioView::pastePings(const QByteArray& scene) {
+  try {
+    append(decodeDocument(scene).notifications);
+  } catch (const Error& error) {
+    setError(u"The clipboard holds no pings: %1."_s.arg(error.text()));
+  }
+}
+
+void StudioView::nudgePing(const QString& id, double byMs) {
+  const auto index = indexOf(state_.document.notifications, id);
+  if (!index) return;
+  change(
+      [&](State& state) {
+        double& landing = state.document.notifications[*index].delayMs;
+        landing = std::max(0.0, landing + byMs);
+      },
+      u"nudge "_s + id);
 }
 
 void StudioView::fillIn(State& state, const PingType& type) {
@@ -236,12 +334,14 @@ void StudioView::pickApp(const QString& id) {
 
 void StudioView::selectPing(const Ping& ping) {
   if (isSelected(ping.id)) return clearSelection();
-  change([&ping](State& state) {
-    state.selectedPingId = ping.id;
-    state.selectedAppId = ping.appId;
-    if (ping.appId == customId) state.customAppLabel = ping.appLabel;
-    state.selectedTypeId = typeIdOf(ping);
-  });
+  change([&ping](State& state) { select(state, ping); });
+}
+
+void StudioView::select(State& state, const Ping& ping) {
+  state.selectedPingId = ping.id;
+  state.selectedAppId = ping.appId;
+  if (ping.appId == customId) state.customAppLabel = ping.appLabel;
+  state.selectedTypeId = typeIdOf(ping);
 }
 
 void StudioView::clearSelection() {
@@ -263,6 +363,8 @@ void StudioView::startNew() {
   formerPlayer->deleteLater();
 
   const State former = std::exchange(state_, firstState());
+  if (!(former == state_)) remember(former, {});
+  ++photosAsked_;
   makePlayer();
   Q_EMIT playerReplaced();
   announceChanges(former);
@@ -288,7 +390,7 @@ void StudioView::play() {
 }
 
 void StudioView::setTitle(const QString& title) {
-  change([&title](State& state) { state.document.title = title; });
+  change([&title](State& state) { state.document.title = title; }, u"title"_s);
 }
 
 void StudioView::setCustomAppLabel(const QString& label) {
@@ -365,18 +467,38 @@ void StudioView::pickCustomWallpaper() {
   });
 }
 
+bool StudioView::isOffered(const QString& path) const {
+  return services_.imageSuffixes.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
+}
+
 void StudioView::usePhoto(const QString& path) {
-  const std::optional<QImage> photo = services_.decodeImage(path);
-  if (!photo) return setError(u"Could not open that photo."_s);
-  QString copy;
-  try {
-    copy = services_.saveWallpaper(*photo);
-  } catch (const std::exception&) {
-    return setError(u"Could not save that photo."_s);
-  }
-  change([&copy](State& state) {
-    state.document.wallpaper = customId;
-    state.document.wallpaperUrl = copy;
+  store([decode = services_.decodeImage, path] { return decode(path); });
+}
+
+void StudioView::usePhoto(const QImage& photo) {
+  store([photo] { return std::optional(photo); });
+}
+
+void StudioView::store(std::function<std::optional<QImage>()> decode) {
+  struct Copy {
+    QString path, error;
+  };
+  const auto copied = [decode = std::move(decode), save = services_.saveWallpaper]() -> Copy {
+    const std::optional<QImage> photo = decode();
+    if (!photo) return {{}, u"Could not open that photo."_s};
+    try {
+      return {save(*photo), {}};
+    } catch (const std::exception&) {
+      return {{}, u"Could not save that photo."_s};
+    }
+  };
+  inBackground(this, copied, [this, asked = ++photosAsked_](const Copy& copy) {
+    if (asked != photosAsked_) return;
+    if (!copy.error.isEmpty()) return setError(copy.error);
+    change([&copy](State& state) {
+      state.document.wallpaper = customId;
+      state.document.wallpaperUrl = copy.path;
+    });
   });
 }
 

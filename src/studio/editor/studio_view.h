@@ -39,6 +39,7 @@ class StudioView : public QObject {
     FilePanels* panels = nullptr;
     FileManager* fileManager = nullptr;
     ExportMovie exportMovie = {};
+    /// This and `saveWallpaper` are called on another thread.
     std::function<std::optional<QImage>(const QString& path)> decodeImage = {};
     /// The file name endings that `decodeImage` reads, without dots.
     QStringList imageSuffixes = {};
@@ -103,8 +104,23 @@ class StudioView : public QObject {
   void selectPing(const Ping& ping);
   void clearSelection();
   void removePing(const QString& id);
+  /// Appends a copy under a new id, 700 ms after the last in the list, and selects it.
+  void duplicatePing(const QString& id);
+  /// The ping as a scene of its own, in JSON; empty when there is none.
+  [[nodiscard]] QByteArray copiedPing(const QString& id) const;
+  /// Appends the pings of a scene under new ids, the first 700 ms after the last in the list, and selects the
+  /// last. `error` tells what a text says that is no scene.
+  void pastePings(const QByteArray& scene);
+  /// Moves a ping's landing; never before the start.
+  void nudgePing(const QString& id, double byMs);
   /// Starts over with the blank sequence, a new player and the first choices. A running export goes on.
   void startNew();
+  /// Goes back to the state before the last change of the sequence, or forward again. What is typed into one
+  /// field without a pause is one change.
+  void undo();
+  void redo();
+  /// What is typed next is a change of its own.
+  void endTyping() { typedInto_.clear(); }
   /// Hands the document to the player. Every change of the document does this by itself.
   void syncPlayer();
   /// Plays from the beginning; nothing unless `canPlay()`.
@@ -127,6 +143,11 @@ class StudioView : public QObject {
   void stopExport();
   /// Asks for a photo, stores a copy and makes it the wallpaper.
   void pickCustomWallpaper();
+  /// Stores a copy of a photo, in the background, and makes it the wallpaper.
+  void usePhoto(const QString& path);
+  void usePhoto(const QImage& photo);
+  /// Whether the photo panel would offer this file.
+  [[nodiscard]] bool isOffered(const QString& path) const;
   /// Shows that something went wrong, in place of what `error` said before.
   void setError(const QString& error);
   void dismissError();
@@ -155,15 +176,24 @@ class StudioView : public QObject {
     QString draftTitle;
     QString draftMessage;
     std::optional<QString> selectedPingId;
+
+    friend bool operator==(const State&, const State&) = default;
   };
 
   [[nodiscard]] static State firstState();
-  /// Edits the state, then tells what differs.
+  /// Edits the state, then tells what differs. `typedInto` names the field whose text the edit is.
   template <typename Edit>
-  void change(Edit edit);
+  void change(Edit edit, const QString& typedInto = {});
+  void remember(const State& former, const QString& typedInto);
+  /// Goes to the last state of one list, and leaves the present one in the other.
+  void travel(QList<State>& from, QList<State>& to);
   void announceChanges(const State& former);
   /// Writes a template's texts into the selected ping, or else into the drafts.
   static void fillIn(State& state, const PingType& type);
+  static void select(State& state, const Ping& ping);
+  /// When a ping lands that is appended.
+  [[nodiscard]] double nextLandingMs() const;
+  void append(QList<Ping> pings);
   [[nodiscard]] bool isSelected(const QString& id) const;
   void setExporting(bool exporting);
   void setExportProgress(double progress);
@@ -175,14 +205,20 @@ class StudioView : public QObject {
   void startExport(const QString& path);
   static QCoro::Task<> runExport(QPointer<StudioView> view, ExportMovie exportMovie,
                                  SequenceDocument document, QString path, std::stop_token stop);
-  void usePhoto(const QString& path);
+  void store(std::function<std::optional<QImage>()> decode);
 
   Services services_;
   State state_;
+  /// Oldest first.
+  QList<State> past_, future_;
+  QString typedInto_;
+  double typedAtMs_ = 0;
   SequencePlayer* player_ = nullptr;
   QStringList visibleIds_;
   bool looksSoon_ = false;
   bool panelOpen_ = false;
+  /// Counts the photos asked for: one that comes too late is not used.
+  int photosAsked_ = 0;
   bool exporting_ = false;
   double exportProgress_ = 0;
   std::stop_source exportStop_{std::nostopstate};

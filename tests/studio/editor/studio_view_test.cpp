@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
 #include <chrono>
 
 using namespace std::chrono_literals;
@@ -110,6 +111,11 @@ struct StudioViewTest : testing::Test {
   void choosePhoto(const QString& path) {
     view->pickPhotoChip();
     outside.answer(path);
+    waitForPhoto();
+  }
+  static void waitForPhoto() {
+    QThreadPool::globalInstance()->waitForDone();
+    settle();
   }
   /// Adds a ping that lands at a time, and leaves it unselected.
   void addPingAt(const QString& seconds, const QString& appId) {
