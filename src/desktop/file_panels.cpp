@@ -26,6 +26,13 @@ QString nameFilter(const QString& kind, const QStringList& suffixes) {
   return u"%1 (%2)"_s.arg(kind, patterns.join(u' '));
 }
 
+/// The kind whose filter was chosen, as the panel tells it: with its patterns or without.
+qsizetype kindOf(const SavePanel& panel, const QString& filter) {
+  for (qsizetype kind = 0; kind < panel.kinds.size(); ++kind)
+    if (filter == panel.kinds[kind] || filter.startsWith(panel.kinds[kind] + u" ("_s)) return kind;
+  return 0;
+}
+
 QString standardFolder(QStandardPaths::StandardLocation location) {
   const QString folder = QStandardPaths::writableLocation(location);
   return QFileInfo(folder).isDir() ? folder : QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
@@ -49,24 +56,27 @@ class DesktopFilePanels final : public QObject, public FilePanels {
         saveFolder_(standardFolder(QStandardPaths::MoviesLocation)),
         openFolder_(standardFolder(QStandardPaths::PicturesLocation)) {}
 
-  void save(const SavePanel& panel, Done done) override {
-    QFileDialog* dialog = makeDialog(panel.title, saveFolder_, panel.kind, {panel.suffix});
+  void save(const SavePanel& panel, SaveDone done) override {
+    QStringList filters;
+    for (const QString& kind : panel.kinds) filters.append(nameFilter(kind, {panel.suffix}));
+    QFileDialog* dialog = makeDialog(panel.title, saveFolder_, filters);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setDefaultSuffix(panel.suffix);
     // The dialog would ask about the name as typed, and in an event loop of its own.
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     dialog->selectFile(panel.proposedName);
-    show(dialog, [this, panel, done = std::move(done)](const std::optional<QString>& path) {
+    dialog->selectNameFilter(filters[panel.proposedKind]);
+    show(dialog, [this, dialog, panel, done = std::move(done)](const std::optional<QString>& path) {
       if (path)
-        finishSaving(panel, *path, done);
+        finishSaving(panel, {*path, kindOf(panel, dialog->selectedNameFilter())}, done);
       else
         done({});
     });
   }
 
   void open(const OpenPanel& panel, Done done) override {
-    QFileDialog* dialog = makeDialog(panel.title, openFolder_, panel.kind, panel.suffixes);
+    QFileDialog* dialog = makeDialog(panel.title, openFolder_, {nameFilter(panel.kind, panel.suffixes)});
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
     dialog->setFileMode(QFileDialog::ExistingFile);
     show(dialog, [this, done = std::move(done)](const std::optional<QString>& path) {
@@ -76,11 +86,10 @@ class DesktopFilePanels final : public QObject, public FilePanels {
   }
 
  private:
-  QFileDialog* makeDialog(const QString& title, const QString& folder, const QString& kind,
-                          const QStringList& suffixes) {
+  QFileDialog* makeDialog(const QString& title, const QString& folder, const QStringList& filters) {
     auto* dialog = new QFileDialog(window_, title, folder);
     dialog->setOption(QFileDialog::HideNameFilterDetails);
-    dialog->setNameFilter(nameFilter(kind, suffixes));
+    dialog->setNameFilters(filters);
     arrange(*dialog);
     return dialog;
   }
@@ -101,25 +110,26 @@ class DesktopFilePanels final : public QObject, public FilePanels {
   }
 
   /// Completes the name, and asks before a file is replaced. When the user declines, the panel comes back.
-  void finishSaving(const SavePanel& panel, const QString& chosen, const Done& done) {
-    saveFolder_ = QFileInfo(chosen).absolutePath();
+  void finishSaving(const SavePanel& panel, ChosenFile file, const SaveDone& done) {
+    saveFolder_ = QFileInfo(file.path).absolutePath();
     const QString ending = u'.' + panel.suffix;
-    const QString path = chosen.endsWith(ending, Qt::CaseInsensitive) ? chosen : chosen + ending;
-    if (!QFileInfo::exists(path)) return done(path);
+    if (!file.path.endsWith(ending, Qt::CaseInsensitive)) file.path += ending;
+    if (!QFileInfo::exists(file.path)) return done(file);
 
-    const QString name = QFileInfo(path).fileName();
+    const QString name = QFileInfo(file.path).fileName();
     auto* question = new QMessageBox(QMessageBox::NoIcon, panel.title, u"%1 already exists."_s.arg(name),
                                      QMessageBox::Yes | QMessageBox::No, window_);
     question->setInformativeText(u"Do you want to replace it?"_s);
     question->button(QMessageBox::Yes)->setText(u"Replace"_s);
     question->button(QMessageBox::No)->setText(u"Cancel"_s);
     question->setDefaultButton(QMessageBox::No);
-    connect(question, &QDialog::finished, this, [this, question, panel, path, name, done](int answer) {
+    connect(question, &QDialog::finished, this, [this, question, panel, file, name, done](int answer) {
       question->deleteLater();
       if (lacksWindowManager()) window_->activateWindow();
-      if (answer == QMessageBox::Yes) return done(path);
+      if (answer == QMessageBox::Yes) return done(file);
       SavePanel again = panel;
       again.proposedName = name;
+      again.proposedKind = file.kind;
       save(again, done);
     });
     question->open();

@@ -13,10 +13,17 @@ namespace brisklet {
 struct SavePanel {
   QString title;
   QString proposedName;
-  /// What the files are called, for example "MPEG-4 movies".
-  QString kind;
+  /// What the file may be, for example "MPEG-4 movie", and the place of the one that is chosen at first.
+  QStringList kinds;
+  qsizetype proposedKind = 0;
   /// The only file name ending, without a dot. A chosen name without it is completed.
   QString suffix;
+};
+
+struct ChosenFile {
+  QString path;
+  /// The place of its kind in the panel's list; the first where a desktop's panel does not tell.
+  qsizetype kind = 0;
 };
 
 struct OpenPanel {
@@ -33,11 +40,12 @@ class FilePanels {
   /// Called once, with the chosen path or with nothing when the user does not confirm. Not called when the
   /// panels are destroyed first.
   using Done = std::function<void(std::optional<QString> path)>;
+  using SaveDone = std::function<void(std::optional<ChosenFile> file)>;
 
   virtual ~FilePanels() = default;
 
   /// Asks where to write a file. When there is one already, the user has agreed to replace it.
-  virtual void save(const SavePanel& panel, Done done) = 0;
+  virtual void save(const SavePanel& panel, SaveDone done) = 0;
   /// Asks for one file that exists.
   virtual void open(const OpenPanel& panel, Done done) = 0;
 };

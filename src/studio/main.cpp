@@ -46,9 +46,9 @@ int main(int argc, char** argv) {
   StudioView::Services services;
   services.tones = &tones;
   services.fileManager = fileManager.get();
-  services.exportMovie = [](SequenceDocument document, QString path, StudioView::Progress progress,
-                            std::stop_token stop) {
-    return VideoExporter::exportMovie(std::move(document), {}, std::move(path), std::move(progress),
+  services.exportMovie = [](SequenceDocument document, MovieStyle style, QString path,
+                            StudioView::Progress progress, std::stop_token stop) {
+    return VideoExporter::exportMovie(std::move(document), style, std::move(path), std::move(progress),
                                       std::move(stop));
   };
   services.decodeImage = [](const QString& path) { return decodeImageFile(path); };

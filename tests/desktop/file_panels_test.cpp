@@ -22,12 +22,18 @@ struct FilePanelsTest : testing::Test {
   FilePanels::Done remember() {
     return [this](const std::optional<QString>& path) { answers.append(path.value_or(u"nothing"_s)); };
   }
+  FilePanels::SaveDone rememberFile() {
+    return [this](const std::optional<ChosenFile>& file) {
+      answers.append(file ? file->path : u"nothing"_s);
+      kind = file ? file->kind : -1;
+    };
+  }
   void save() {
     panels->save({.title = u"Export"_s,
                   .proposedName = u"launch.mp4"_s,
-                  .kind = u"MPEG-4 movies"_s,
+                  .kinds = {u"MPEG-4 movie"_s, u"MPEG-4 movie, moving"_s},
                   .suffix = u"mp4"_s},
-                 remember());
+                 rememberFile());
   }
   template <typename Dialog>
   Dialog* shown() {
@@ -68,6 +74,7 @@ struct FilePanelsTest : testing::Test {
   QWidget window;
   std::unique_ptr<FilePanels> panels = makeFilePanels(&window);
   QStringList answers;
+  qsizetype kind = -1;
 };
 
 TEST_F(FilePanelsTest, theSavePanelProposesANameAndCompletesTheChosenOne) {
@@ -79,8 +86,10 @@ TEST_F(FilePanelsTest, theSavePanelProposesANameAndCompletesTheChosenOne) {
     ASSERT_TRUE(dialog);
     EXPECT_EQ(QFileInfo(dialog->selectedFiles().value(0)).fileName(), u"launch.mp4");
     EXPECT_EQ(dialog->windowModality(), Qt::WindowModal) << "other windows go on";
+    if (typed == u"b") dialog->selectNameFilter(dialog->nameFilters().last());
     saveAs(typed);
     EXPECT_EQ(answers, (QStringList{folder.filePath(name)}));
+    EXPECT_EQ(kind, typed == u"b" ? 1 : 0);
     answers.clear();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   }
@@ -93,10 +102,12 @@ TEST_F(FilePanelsTest, aFileIsReplacedOnlyWhenTheUserAgrees) {
   makeFile(u"c.v2.mp4"_s);
   save();
   saveAs(u"c.v2"_s);
+  EXPECT_EQ(kind, -1);
   answer(QMessageBox::No);
   EXPECT_TRUE(answers.isEmpty());
   saveAs(u"other.v2"_s);
   EXPECT_EQ(answers, (QStringList{folder.filePath(u"other.v2.mp4"_s)})) << "the panel came back";
+  EXPECT_EQ(kind, 0);
 
   answers.clear();
   for (const QString& typed : {u"c.v2"_s, u"c.v2.mp4"_s}) {

@@ -32,7 +32,11 @@ namespace {
 /// A dialog of its own that waits for an answer, as the desktop's panels do.
 struct DialogPanels : FilePanels {
   explicit DialogPanels(QWidget* over) : window(over) {}
-  void save(const SavePanel&, Done done) override { ask(std::move(done)); }
+  void save(const SavePanel&, SaveDone done) override {
+    ask([done = std::move(done)](const std::optional<QString>& path) {
+      done(path ? std::optional(ChosenFile{*path}) : std::nullopt);
+    });
+  }
   void open(const OpenPanel&, Done done) override { ask(std::move(done)); }
   void ask(Done done) const {
     auto* dialog = new QDialog(window);
@@ -83,7 +87,7 @@ class Monkey {
 
   StudioView::Services services() {
     StudioView::Services services;
-    services.exportMovie = [this](SequenceDocument, QString, StudioView::Progress progress,
+    services.exportMovie = [this](SequenceDocument, MovieStyle, QString, StudioView::Progress progress,
                                   std::stop_token stop) { return runExport(progress, stop); };
     // These two on another thread, while this one waits.
     services.decodeImage = [this](const QString&) {

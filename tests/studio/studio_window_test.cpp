@@ -37,11 +37,11 @@ namespace {
 /// Answers at once, from a window of its own.
 struct FixedPanels : FilePanels {
   explicit FixedPanels(QWidget* window) : over(window) {}
-  void save(const SavePanel&, Done done) override {
+  void save(const SavePanel&, SaveDone done) override {
     QWidget panel;
     panel.show();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&panel));
-    done("/tmp/movie.mp4");
+    done(ChosenFile{"/tmp/movie.mp4"});
     over->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(over));
   }
@@ -53,7 +53,7 @@ struct FixedPanels : FilePanels {
 struct StudioWindowTest : testing::Test {
   StudioWindowTest() {
     StudioView::Services services;
-    services.exportMovie = [this](SequenceDocument, QString, StudioView::Progress progress,
+    services.exportMovie = [this](SequenceDocument, MovieStyle, QString, StudioView::Progress progress,
                                   std::stop_token stop) { return runExport(progress, stop); };
     window = new StudioWindow(services, [](QWidget* over) { return std::make_unique<FixedPanels>(over); });
     window->setAttribute(Qt::WA_DeleteOnClose);

@@ -28,6 +28,19 @@ constexpr qsizetype mostChanges = 200, mostPingsKept = 200'000;
 /// Who pauses this long while typing begins another change.
 constexpr double pauseMs = 2000;
 
+/// What a movie can be, as the save panel offers it.
+struct MovieKind {
+  QString name;
+  MovieStyle style;
+};
+
+QList<MovieKind> movieKinds() {
+  constexpr QSize portraitPage(1080, 1920);
+  return {{u"MPEG-4 movie"_s, {}},
+          {u"MPEG-4 movie, cards in motion"_s, {.inMotion = true, .page = {}}},
+          {u"MPEG-4 movie, cards in motion, 9:16"_s, {.inMotion = true, .page = portraitPage}}};
+}
+
 std::optional<qsizetype> indexOf(const QList<Ping>& pings, const std::optional<QString>& id) {
   if (!id) return {};
   const auto found =
@@ -411,33 +424,36 @@ void StudioView::pickPhotoChip() {
 void StudioView::exportMovie() {
   if (!canExport() || panelOpen_ || !services_.panels) return;
   panelOpen_ = true;
+  QStringList kinds;
+  for (const MovieKind& kind : movieKinds()) kinds.append(kind.name);
   const SavePanel panel{.title = u"Export notification video"_s,
                         .proposedName = slug(state_.document.title) + u".mp4"_s,
-                        .kind = u"MPEG-4 movies"_s,
+                        .kinds = kinds,
                         .suffix = u"mp4"_s};
-  services_.panels->save(panel, [self = QPointer(this)](const std::optional<QString>& path) {
+  services_.panels->save(panel, [self = QPointer(this)](const std::optional<ChosenFile>& file) {
     if (!self) return;
     self->panelOpen_ = false;
-    if (path) self->startExport(*path);
+    if (file) self->startExport(file->path, movieKinds()[file->kind].style);
   });
 }
 
-void StudioView::startExport(const QString& path) {
+void StudioView::startExport(const QString& path, const MovieStyle& style) {
   exportStop_ = std::stop_source();
   setExporting(true);
   setError({});
-  export_ = runExport(this, services_.exportMovie, state_.document, path, exportStop_.get_token());
+  export_ = runExport(this, services_.exportMovie, state_.document, style, path, exportStop_.get_token());
 }
 
 QCoro::Task<> StudioView::runExport(QPointer<StudioView> view, ExportMovie exportMovie,
-                                    SequenceDocument document, QString path, std::stop_token stop) {
+                                    SequenceDocument document, MovieStyle style, QString path,
+                                    std::stop_token stop) {
   const Progress progress = [view](qint64 framesDone, qint64 frames) {
     if (view) view->setExportProgress(static_cast<double>(framesDone) / static_cast<double>(frames));
   };
 
   std::optional<QString> failure;
   try {
-    co_await exportMovie(std::move(document), path, progress, stop);
+    co_await exportMovie(std::move(document), style, path, progress, stop);
   } catch (const Error& error) {
     failure = error.text();
   } catch (const std::exception&) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/catalogue.h"
+#include "model/movie_style.h"
 #include "model/sequence_document.h"
 #include "playback/sequence_player.h"
 
@@ -30,8 +31,8 @@ class StudioView : public QObject {
  public:
   /// Called with the frames written so far and the frames in all.
   using Progress = std::function<void(qint64 framesDone, qint64 frames)>;
-  using ExportMovie = std::function<QCoro::Task<>(SequenceDocument document, QString path, Progress progress,
-                                                  std::stop_token stop)>;
+  using ExportMovie = std::function<QCoro::Task<>(SequenceDocument document, MovieStyle style, QString path,
+                                                  Progress progress, std::stop_token stop)>;
 
   /// What the editor reaches outside itself. Objects are not owned and outlive the editor.
   struct Services {
@@ -202,9 +203,10 @@ class StudioView : public QObject {
   void watchVisiblePings();
   /// Sounds the pings that have come into view since the last look.
   void lookAtVisiblePings();
-  void startExport(const QString& path);
+  void startExport(const QString& path, const MovieStyle& style);
   static QCoro::Task<> runExport(QPointer<StudioView> view, ExportMovie exportMovie,
-                                 SequenceDocument document, QString path, std::stop_token stop);
+                                 SequenceDocument document, MovieStyle style, QString path,
+                                 std::stop_token stop);
   void store(std::function<std::optional<QImage>()> decode);
 
   Services services_;

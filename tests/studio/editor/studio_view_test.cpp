@@ -26,9 +26,11 @@ struct Outside : TonePlayer, FilePanels, FileManager {
   void prepare() override {}
   void play(const QString& appId) override { played.append(appId); }
   void reveal(const QString& path) override { revealed.append(path); }
-  void save(const SavePanel& panel, Done done) override {
+  void save(const SavePanel& panel, SaveDone done) override {
     saves.append(panel);
-    pending = std::move(done);
+    pending = [this, done = std::move(done)](const std::optional<QString>& path) {
+      done(path ? std::optional(ChosenFile{*path, chosenKind}) : std::nullopt);
+    };
   }
   void open(const OpenPanel& panel, Done done) override {
     opens.append(panel);
@@ -39,14 +41,16 @@ struct Outside : TonePlayer, FilePanels, FileManager {
   QStringList played, revealed;
   QList<SavePanel> saves;
   QList<OpenPanel> opens;
+  qsizetype chosenKind = 0;
   Done pending;
 };
 
 struct StudioViewTest : testing::Test {
   /// An export that goes on until the test ends it or it is stopped.
-  QCoro::Task<> exportUntilTold(SequenceDocument document, QString, StudioView::Progress progress,
-                                std::stop_token stop) {
+  QCoro::Task<> exportUntilTold(SequenceDocument document, MovieStyle style, QString,
+                                StudioView::Progress progress, std::stop_token stop) {
     exported.append(document);
+    exportedStyle = style;
     reportProgress = progress;
     while (!exportEnds) {
       co_await QCoro::sleepFor(1ms);
@@ -145,6 +149,7 @@ struct StudioViewTest : testing::Test {
   const PingType viral = PingType::types("tiktok")[5];
   double nowMs = 1000;
   Outside outside;
+  MovieStyle exportedStyle;
   QList<SequenceDocument> exported;
   StudioView::Progress reportProgress;
   bool exportEnds = false;
@@ -350,6 +355,9 @@ TEST_F(StudioViewTest, anExportWritesTheDocumentOfThatMomentAndRevealsIt) {
   EXPECT_EQ(outside.saves[0].title, "Export notification video");
   EXPECT_EQ(outside.saves[0].proposedName, "launch-day-2.mp4");
   EXPECT_EQ(outside.saves[0].suffix, "mp4");
+  EXPECT_EQ(outside.saves[0].kinds, (QStringList{"MPEG-4 movie", "MPEG-4 movie, cards in motion",
+                                                 "MPEG-4 movie, cards in motion, 9:16"}));
+  outside.chosenKind = 2;
   EXPECT_FALSE(view->exporting());
 
   QList<double> progress;
@@ -365,6 +373,7 @@ TEST_F(StudioViewTest, anExportWritesTheDocumentOfThatMomentAndRevealsIt) {
   ASSERT_TRUE(exportEnded());
   ASSERT_EQ(exported.size(), 1);
   EXPECT_EQ(exported[0], document);
+  EXPECT_TRUE((exportedStyle == MovieStyle{.inMotion = true, .page = {1080, 1920}}));
   EXPECT_EQ(progress, (QList<double>{0.25, 1, 0}));
   EXPECT_EQ(outside.revealed, QStringList{"/movies/launch.mp4"});
 }
