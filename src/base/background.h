@@ -13,7 +13,7 @@ namespace brisklet {
 /// Does work on another thread, then `done` with its result on this one, unless `context` has gone by then.
 /// The work must not throw.
 template <class Work, class Done>
-void inBackground(QObject* context, Work work, Done done) {
+void inBackground(QObject* context, Work work, Done done, int priority = 0) {
   using Result = std::invoke_result_t<Work>;
   auto* watcher = new QFutureWatcher<Result>(context);
   QObject::connect(watcher, &QFutureWatcherBase::finished, context, [watcher, done = std::move(done)] {
@@ -23,10 +23,12 @@ void inBackground(QObject* context, Work work, Done done) {
   const auto promise = std::make_shared<QPromise<Result>>();
   promise->start();
   watcher->setFuture(promise->future());
-  QThreadPool::globalInstance()->start([promise, work = std::move(work)] {
+  QThreadPool::globalInstance()->start(
+      [promise, work = std::move(work)] {
     promise->addResult(work());
-    promise->finish();
-  });
+        promise->finish();
+      },
+      priority);
 }
 
 }  // namespace brisklet

@@ -1,5 +1,6 @@
 #include "desktop/file_panels.h"
 
+#include "desktop/panel_icons.h"
 #include "desktop/window_manager.h"
 
 #include <QFileDialog>
@@ -33,9 +34,10 @@ qsizetype kindOf(const SavePanel& panel, const QString& filter) {
   return 0;
 }
 
-QString standardFolder(QStandardPaths::StandardLocation location) {
-  const QString folder = QStandardPaths::writableLocation(location);
-  return QFileInfo(folder).isDir() ? folder : QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
+QString usedOr(const QString& used, QStandardPaths::StandardLocation location) {
+  for (const QString& folder : {used, QStandardPaths::writableLocation(location)})
+    if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
+  return QStandardPaths::writableLocation(QStandardPaths::HomeLocation);
 }
 
 /// Gives names and places the room that they need, where the panel is not the desktop's own.
@@ -51,15 +53,13 @@ void arrange(QFileDialog& dialog) {
 
 class DesktopFilePanels final : public QObject, public FilePanels {
  public:
-  explicit DesktopFilePanels(QWidget* window)
-      : window_(window),
-        saveFolder_(standardFolder(QStandardPaths::MoviesLocation)),
-        openFolder_(standardFolder(QStandardPaths::PicturesLocation)) {}
+  explicit DesktopFilePanels(QWidget* window) : window_(window) {}
 
   void save(const SavePanel& panel, SaveDone done) override {
     QStringList filters;
     for (const QString& kind : panel.kinds) filters.append(nameFilter(kind, {panel.suffix}));
-    QFileDialog* dialog = makeDialog(panel.title, saveFolder_, filters);
+    QFileDialog* dialog = makeDialog(
+        panel.title, usedOr(saveFolder_, QStandardPaths::MoviesLocation), filters);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setDefaultSuffix(panel.suffix);
@@ -76,7 +76,9 @@ class DesktopFilePanels final : public QObject, public FilePanels {
   }
 
   void open(const OpenPanel& panel, Done done) override {
-    QFileDialog* dialog = makeDialog(panel.title, openFolder_, {nameFilter(panel.kind, panel.suffixes)});
+    QFileDialog* dialog = makeDialog(panel.title, usedOr(openFolder_, QStandardPaths::PicturesLocation),
+                                     {nameFilter(panel.kind, panel.suffixes)});
+    if (panel.preview) showPreviews(*dialog, panel.suffixes, panel.preview);
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
     dialog->setFileMode(QFileDialog::ExistingFile);
     show(dialog, [this, done = std::move(done)](const std::optional<QString>& path) {
@@ -88,6 +90,7 @@ class DesktopFilePanels final : public QObject, public FilePanels {
  private:
   QFileDialog* makeDialog(const QString& title, const QString& folder, const QStringList& filters) {
     auto* dialog = new QFileDialog(window_, title, folder);
+    showPreviews(*dialog, {}, {});
     dialog->setOption(QFileDialog::HideNameFilterDetails);
     dialog->setNameFilters(filters);
     arrange(*dialog);
@@ -136,8 +139,8 @@ class DesktopFilePanels final : public QObject, public FilePanels {
   }
 
   QWidget* window_;
-  QString saveFolder_;
-  QString openFolder_;
+  // Where files were last chosen, by whichever window.
+  static inline QString saveFolder_, openFolder_;
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -31,6 +32,8 @@ struct OpenPanel {
   QString kind;
   /// The file name endings that are offered, without dots.
   QStringList suffixes;
+  /// A small picture of a file's content, made on another thread; null when there is none.
+  std::function<QImage(const QString& path)> preview = {};
 };
 
 /// Asks the user for a file. A panel is modal to its window: the window takes no input until it closes. The

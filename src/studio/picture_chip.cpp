@@ -1,5 +1,6 @@
 #include "studio/picture_chip.h"
 
+#include "base/background.h"
 #include "drawing/image_decoder.h"
 #include "drawing/symbol_image.h"
 #include "lockscreen/bundle_image.h"
@@ -37,8 +38,13 @@ PictureChip::PictureChip(const QString& id, const QString& label, QWidget* paren
 void PictureChip::setPhoto(const QString& path) {
   if (path == path_) return;
   path_ = path;
-  preview_ = previewOf(path.isEmpty() ? std::nullopt : decodeImageFile(path));
-  update();
+  const auto show = [this, path](const QImage& preview) {
+    if (path != path_) return;
+    preview_ = preview;
+    update();
+  };
+  if (path.isEmpty()) return show({});
+  inBackground(this, [path] { return previewOf(decodeImageFile(path)); }, show);
 }
 
 void PictureChip::paintEvent(QPaintEvent*) {

@@ -144,7 +144,7 @@ void Stage::paintEvent(QPaintEvent* event) {
 void Stage::paintNote(QPainter& painter) const {
   const QRectF canvas(0, 0, LockScreenMetrics::canvasWidth, LockScreenMetrics::canvasHeight);
   painter.fillPath(continuousRoundedRect(canvas, LockScreenMetrics::liveCornerRadius),
-                   Studio::srgb(0, 0, 0, 0.6));
+                   Studio::srgb(0, 0, 0, 0.75));
   const TextLine line(note_, {20, FontWeight::Semibold}, canvas.width());
   line.draw(painter, canvas.center() + QPointF(-line.width() / 2, line.ascent() / 2), Studio::white);
 }

@@ -23,6 +23,7 @@ namespace brisklet {
 namespace {
 
 constexpr double gapMs = 700;
+constexpr QSize previewSize(96, 96);  // pixels, of a photo in its panel
 /// How much is kept to go back to: changes, and pings in all of them.
 constexpr qsizetype mostChanges = 200, mostPingsKept = 200'000;
 /// Who pauses this long while typing begins another change.
@@ -475,7 +476,11 @@ void StudioView::pickCustomWallpaper() {
   if (panelOpen_ || !services_.panels) return;
   panelOpen_ = true;
   const OpenPanel panel{
-      .title = u"Choose a lock screen photo"_s, .kind = u"Photos"_s, .suffixes = services_.imageSuffixes};
+      .title = u"Choose a lock screen photo"_s, .kind = u"Photos"_s, .suffixes = services_.imageSuffixes,
+      .preview = [decode = services_.decodeImage](const QString& path) {
+        const std::optional<QImage> photo = decode(path);
+        return photo ? photo->scaled(previewSize, Qt::KeepAspectRatio, Qt::SmoothTransformation) : QImage();
+      }};
   services_.panels->open(panel, [self = QPointer(this)](const std::optional<QString>& path) {
     if (!self) return;
     self->panelOpen_ = false;
