@@ -3,14 +3,14 @@
 
 #include "base/unique_fd.h"
 #include "export/event_loop.h"
+#include "export/frame_pictures.h"
 #include "export/video_exporter.h"
-#include "lockscreen/lock_screen_view.h"
+#include "model/catalogue.h"
 #include "model/document_json.h"
 #include "movie/aac_encoder.h"
 #include "movie/held_picture_encoder.h"
 #include "movie/mp4_file.h"
 #include "ping_scene.h"
-#include "playback/sequence_player.h"
 #include "sound/notification_sounds.h"
 
 #include <fcntl.h>
@@ -27,6 +27,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <span>
 #include <vector>
 
 using namespace brisklet;
@@ -48,6 +49,7 @@ double median(std::vector<double> values) {
 
 struct ProcessFigures {
   double wallSeconds = 0;
+  double processorSeconds = 0;
   double peakMegabytes = 0;
 };
 
@@ -71,18 +73,23 @@ ProcessFigures runProcess(const std::vector<std::string>& command) {
     std::fprintf(stderr, "%s failed\n", arguments[0]);
     std::exit(1);
   }
-  return {wall, static_cast<double>(usage.ru_maxrss) / 1024};
+  const auto inSeconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+  };
+  return {wall, inSeconds(usage.ru_utime) + inSeconds(usage.ru_stime),
+          static_cast<double>(usage.ru_maxrss) / 1024};
 }
 
 ProcessFigures medianProcess(const std::vector<std::string>& command) {
-  std::vector<double> walls;
+  std::vector<double> walls, processor;
   double peak = 0;
   for (int i = 0; i < runs; ++i) {
     const ProcessFigures figures = runProcess(command);
     walls.push_back(figures.wallSeconds);
+    processor.push_back(figures.processorSeconds);
     peak = std::max(peak, figures.peakMegabytes);
   }
-  return {median(walls), peak};
+  return {median(walls), median(processor), peak};
 }
 
 struct Stages {
@@ -91,55 +98,41 @@ struct Stages {
 };
 
 /// Each stage on its own, on this thread.
-Stages stages(const SequenceDocument& document, const QString& path) {
+Stages stages(const SequenceDocument& document, const MovieStyle& style, const QString& path) {
   Stages result;
-  struct Held {
-    QImage image;
-    qint64 frames;
-  };
-  std::vector<Held> pictures;
-  SequencePlayer player(document);
+  const QSize size = FramePictures::size(style);
   LockScreenCache cache;
-  QList<Ping> visible;
-  for (qint64 frame = 0; frame < VideoExporter::frameCount(document); ++frame) {
-    player.setElapsedMs(static_cast<double>(frame) / VideoExporter::framesPerSecond * 1000);
-    const QList<Ping> now = document.visiblePings(player.elapsedMs());
-    if (!pictures.empty() && now == visible) {
-      ++pictures.back().frames;
-      continue;
-    }
-    visible = now;
-    QImage image;
-    const auto draw = [&] { image = captureFrame({document, player, Rendering::Movie}, cache); };
-    const double time = seconds(draw);
-    (pictures.empty() ? result.firstPicture : result.otherPictures) += time;
-    pictures.push_back({image, 1});
-  }
-  result.pictures = pictures.size();
-
+  FramePictures pictures(document, style, cache);
   const std::string folder = QFile::encodeName(QFileInfo(path).path()).toStdString();
   SampleSpool videoSpool(folder);
   SampleSpool audioSpool(folder);
   qint64 frame = 0;
-  const H264Settings settings{captureWidth, captureHeight, VideoExporter::framesPerSecond};
+  const H264Settings settings{size.width(), size.height(), VideoExporter::framesPerSecond};
   HeldPictureEncoder encoder(
       settings, 8'000'000, RepeatCoding::Reuse,
       [&](std::span<const uint8_t> unit, bool isIdr) { videoSpool.append(unit, frame++, 1, isIdr); });
   std::shared_ptr<const YuvPicture> previous;
-  for (const Held& held : pictures) {
+  qint64 shown = 0;
+  for (qint64 i = 0; i < VideoExporter::frameCount(document); ++i) {
+    QImage image;
+    const double painting =
+        seconds([&] { image = pictures.at(static_cast<double>(i) / VideoExporter::framesPerSecond * 1000); });
+    if (image.cacheKey() == shown) {
+      result.video += seconds([&] { encoder.hold(); });
+      continue;
+    }
+    shown = image.cacheKey();
+    ++result.pictures;
+    (i == 0 ? result.firstPicture : result.otherPictures) += painting;
     std::shared_ptr<YuvPicture> picture;
     std::vector<uint8_t> unchanged;
     result.conversion += seconds([&] {
-      picture = std::make_shared<YuvPicture>(captureWidth, captureHeight);
-      picture->setFromRgb(reinterpret_cast<const uint32_t*>(held.image.constBits()),
-                          held.image.bytesPerLine() / 4);
+      picture = std::make_shared<YuvPicture>(size.width(), size.height());
+      picture->setFromRgb(reinterpret_cast<const uint32_t*>(image.constBits()), image.bytesPerLine() / 4);
       if (previous) unchanged = equalMacroblocks(*previous, *picture);
     });
     previous = picture;
-    result.video += seconds([&] {
-      encoder.show(picture, unchanged);
-      for (qint64 i = 1; i < held.frames; ++i) encoder.hold();
-    });
+    result.video += seconds([&] { encoder.show(picture, unchanged); });
   }
 
   QByteArray pcm;
@@ -175,7 +168,7 @@ Stages stages(const SequenceDocument& document, const QString& path) {
                                    {configuration.begin(), configuration.end()},
                                    audioSpool};
     writeMp4(fd.get(),
-             {captureWidth, captureHeight, VideoExporter::framesPerSecond, encoder.decoderConfiguration(),
+             {size.width(), size.height(), VideoExporter::framesPerSecond, encoder.decoderConfiguration(),
               videoSpool},
              &audioTrack);
   });
@@ -195,6 +188,12 @@ int main(int argc, char** argv) {
   QTemporaryDir directory;
   const auto path = [&directory](const QString& name) { return directory.filePath(name); };
 
+  const auto writeScene = [](const SequenceDocument& document, const QString& name) {
+    QFile file(name);
+    if (file.open(QIODevice::WriteOnly)) file.write(encodeDocument(document));
+  };
+  const QString scene = path("scene.json");
+
   const struct Row {
     const char* name;
     int pings;
@@ -213,12 +212,9 @@ int main(int argc, char** argv) {
   double longEveryFrame = 0;
   for (const Row& row : rows) {
     const SequenceDocument document = row.document();
-    QFile file(path("scene.json"));
-    if (!file.open(QIODevice::WriteOnly)) return 1;
-    file.write(encodeDocument(document));
-    file.close();
+    writeScene(document, scene);
     const ProcessFigures fast =
-        medianProcess({render, file.fileName().toStdString(), path("movie.mp4").toStdString(), "--quiet"});
+        medianProcess({render, scene.toStdString(), path("movie.mp4").toStdString(), "--quiet"});
 
     // Ten minutes of every frame take as long as that: its first thirty seconds stand for the rest.
     const bool isExtrapolated = row.lengthSeconds > 60;
@@ -234,16 +230,70 @@ int main(int argc, char** argv) {
     std::fflush(stdout);
   }
 
+  const struct Look {
+    const char* name;
+    std::vector<std::string> options;
+    MovieStyle style;
+  } looks[]{{"plain", {}, {}},
+            {"in motion", {"--motion"}, {.inMotion = true, .page = {}}},
+            {"in motion, 1080 x 1920",
+             {"--motion", "--page", "1080x1920"},
+             {.inMotion = true, .page = {1080, 1920}}}};
+  std::printf(
+      "\nIn motion, whole processes:\n\n"
+      "| scene | look | whole process | times real time | peak memory |\n|---|---|---|---|---|\n");
+  for (const Row& row : rows) {
+    writeScene(row.document(), scene);
+    for (const Look& look : std::span(looks).subspan(1)) {
+      std::vector<std::string> command{render, scene.toStdString(), path("movie.mp4").toStdString(),
+                                       "--quiet"};
+      command.insert(command.end(), look.options.begin(), look.options.end());
+      const ProcessFigures figures = medianProcess(command);
+      std::printf("| %s | %s | %.2f s | %.1f | %.0f MB |\n", row.name, look.name, figures.wallSeconds,
+                  row.lengthSeconds / figures.wallSeconds, figures.peakMegabytes);
+      std::fflush(stdout);
+    }
+  }
+
   std::printf(
       "\nStages, one at a time on one core, in milliseconds:\n\n"
-      "| scene | first picture | further pictures, each | conversion | video | soundtrack | audio | file |\n"
-      "|---|---|---|---|---|---|---|---|\n");
+      "| scene | look | pictures | first picture | further pictures, each | conversion | video | soundtrack "
+      "| "
+      "audio | file |\n"
+      "|---|---|---|---|---|---|---|---|---|---|\n");
   for (const Row& row : rows) {
-    const Stages cost = stages(row.document(), path("stages.mp4"));
-    std::printf("| %s | %.0f | %.1f | %.0f | %.0f | %.0f | %.0f | %.0f |\n", row.name,
-                cost.firstPicture * 1000, cost.otherPictures * 1000 / static_cast<double>(cost.pictures - 1),
-                cost.conversion * 1000, cost.video * 1000, cost.synthesis * 1000, cost.audio * 1000,
-                cost.file * 1000);
+    for (const Look& look : looks) {
+      const Stages cost = stages(row.document(), look.style, path("stages.mp4"));
+      std::printf("| %s | %s | %zu | %.0f | %.1f | %.0f | %.0f | %.0f | %.0f | %.0f |\n", row.name, look.name,
+                  cost.pictures, cost.firstPicture * 1000,
+                  cost.otherPictures * 1000 / static_cast<double>(cost.pictures - 1), cost.conversion * 1000,
+                  cost.video * 1000, cost.synthesis * 1000, cost.audio * 1000, cost.file * 1000);
+    }
+  }
+
+  constexpr int scenesInRun = 40;
+  std::vector<std::string> scenes;
+  for (int i = 0; i < scenesInRun; ++i) {
+    SequenceDocument document = rows[0].document();
+    document.wallpaper = Studio::wallpapers()[i % Studio::wallpapers().size()].id;
+    for (Ping& ping : document.notifications) ping.title = QStringLiteral("Follower %1").arg(i);
+    const QString name = path(QStringLiteral("scene%1.json").arg(i));
+    writeScene(document, name);
+    scenes.push_back(name.toStdString());
+  }
+  std::printf(
+      "\nA run of %d short scenes:\n\n"
+      "| jobs | whole run | movies per second | processor time per movie | peak memory per job |\n"
+      "|---|---|---|---|---|\n",
+      scenesInRun);
+  for (const char* jobs : {"1", "2"}) {
+    std::vector<std::string> command{render, "--into", path("run").toStdString(), "--quiet", "--jobs", jobs};
+    command.insert(command.end(), scenes.begin(), scenes.end());
+    const ProcessFigures figures = medianProcess(command);
+    std::printf("| %s | %.2f s | %.1f | %.2f s | %.0f MB |\n", jobs, figures.wallSeconds,
+                scenesInRun / figures.wallSeconds, figures.processorSeconds / scenesInRun,
+                figures.peakMegabytes);
+    std::fflush(stdout);
   }
   return 0;
 }

@@ -15,11 +15,8 @@ double momentMs(qint64 frame) {
   return static_cast<double>(frame) / VideoExporter::framesPerSecond * 1000;
 }
 
-bool absorbHold(HeldFrames& last, const HeldFrames& next) {
-  const bool isHeld = last.picture.cacheKey() == next.picture.cacheKey();
-  if (isHeld) last.count += next.count;
-  return isHeld;
-}
+/// So that progress is told now and then.
+constexpr qint64 longestHold = 300;
 
 }  // namespace
 
@@ -39,14 +36,32 @@ FrameStream::~FrameStream() {
   frames_.abandon();
 }
 
+void FrameStream::push(const HeldFrames& frames) {
+  if (frames.count == 0) return;
+  frames_.waitForRoom();
+  frames_.absorbOrPush(frames, [](const HeldFrames&, const HeldFrames&) { return false; });
+}
+
 void FrameStream::paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount,
                         LockScreenCache& cache) {
   FramePictures pictures(document, style, cache);
+  HeldFrames hold;  // the frames behind the one that showed its picture first
   for (qint64 frame = 0; frame < frameCount && !frames_.isAbandoned(); ++frame) {
-    HeldFrames next{pictures.at(momentMs(frame)), frame, 1};
-    frames_.waitForRoom();
-    frames_.absorbOrPush(std::move(next), absorbHold);
+    const QImage& picture = pictures.at(momentMs(frame));
+    const bool isHeld = frame > 0 && picture.cacheKey() == hold.picture.cacheKey();
+    if (isHeld && hold.count < longestHold) {
+      ++hold.count;
+      continue;
+    }
+    push(hold);
+    if (isHeld) {
+      hold = {picture, frame, 1};
+    } else {
+      push({picture, frame, 1});
+      hold = {picture, frame + 1, 0};
+    }
   }
+  push(hold);
 }
 
 std::optional<HeldFrames> FrameStream::next() {

@@ -37,6 +37,8 @@ class FrameStream {
   void paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount,
              LockScreenCache& cache);
 
+  void push(const HeldFrames& frames);
+
   BoundedQueue<HeldFrames> frames_{1};
   std::exception_ptr failure_;  // written before the queue is closed, and read after
   std::jthread thread_;

@@ -24,6 +24,8 @@ namespace brisklet {
 namespace {
 
 constexpr auto readinessPoll = 5ms;
+/// A frame in motion takes about ten milliseconds to paint.
+constexpr auto paintingPoll = 1ms;
 constexpr qint64 audioChunkFrames = 4096;
 /// The soundtrack is made in pieces of about twelve seconds, so that its length costs no memory.
 constexpr qint64 soundtrackPieceFrames = 128 * audioChunkFrames;
@@ -56,7 +58,7 @@ QCoro::Task<> appendVideo(const SequenceDocument& document, const MovieStyle& st
   const qint64 frameCount = VideoExporter::frameCount(document);
   FrameStream stream(document, style, frameCount, cache);
   while (true) {
-    while (!stream.isReady()) co_await turn.pause(readinessPoll);
+    while (!stream.isReady()) co_await turn.pause(paintingPoll);
     const std::optional<HeldFrames> frames = stream.next();
     if (!frames) break;
     for (qint64 frame = frames->first; frame < frames->first + frames->count; ++frame) {

@@ -29,8 +29,9 @@ namespace brisklet {
 
 namespace {
 
-// Converted pictures take less than half the memory, so the longer queue is theirs.
-constexpr size_t picturesInQueue = 1;
+// Converted pictures take less than half the memory, so the longer queue is theirs. With room for two, a
+// frame that only holds a picture never waits: it becomes a part of the hold before it.
+constexpr size_t picturesInQueue = 2;
 constexpr size_t convertedInQueue = 3;
 constexpr size_t soundsInQueue = 64;
 constexpr int bytesPerSample = 2;
