@@ -126,6 +126,11 @@ class StudioSession:
         left, top = self.geometry()[:2]
         self.click((x + width / 2 - left) / self.scale, (y + height / 2 - top) / self.scale, times)
 
+    def fill(self, field, words):
+        self.click_on(field, "text")
+        self.key("ctrl+a")
+        self.type(words)
+
     def start(self, command, **options):
         process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, **options)
         self.processes.append(process)
