@@ -6,7 +6,7 @@ _brisklet_render() {
   local word files=0 into='' previous=''
   for word in "${words[@]:1:cword-1}"; do
     case $previous in
-      --still | --at | --soundtrack | --into) ;;
+      --still | --at | --soundtrack | --into | --jobs | --page) ;;
       *) [[ $word == -?* ]] || files=$((files + 1)) ;;
     esac
     [[ $word == --into ]] && into=1
@@ -17,10 +17,12 @@ _brisklet_render() {
     --still) _filedir png; return ;;
     --soundtrack) _filedir wav; return ;;
     --into) _filedir -d; return ;;
+    --page) COMPREPLY=($(compgen -W '1080x1920 1080x1350 1080x1080 1920x1080' -- "$cur")); return ;;
+    --jobs) COMPREPLY=($(compgen -W "$(seq "$(nproc)")" -- "$cur")); return ;;
     --at) COMPREPLY=($(compgen -W end -- "$cur")); return ;;
   esac
   if [[ $cur == -* ]]; then
-    COMPREPLY=($(compgen -W '--still --at --soundtrack --into --quiet --verbose --help --version' -- "$cur"))
+    COMPREPLY=($(compgen -W '--motion --page --still --at --soundtrack --into --jobs --keep --quiet --verbose --help --version' -- "$cur"))
   elif [[ $into || $files -eq 0 ]]; then
     _filedir json
   else
