@@ -22,7 +22,8 @@ namespace {
 
 constexpr TextStyle titleStyle{15, FontWeight::Semibold}, messageStyle{13, FontWeight::Regular},
     headingStyle{13, FontWeight::Medium};
-constexpr int cardWidth = 340, wideCardWidth = 600, headingWidth = 150, lineSpacing = 5, margin = 22, titleSpacing = 6, buttonTop = 20, buttonSpacing = 8;  // pt
+constexpr int cardWidth = 340, wideCardWidth = 600, headingWidth = 150, lineSpacing = 5, margin = 22,
+              titleSpacing = 6, buttonTop = 20, buttonSpacing = 8;  // pt
 constexpr int mostLines = 12;
 constexpr double cardRadius = 16, shadowSigma = 20, shadowOffset = 12, shadowOpacity = 0.28;
 constexpr QColor scrim = Studio::srgb(0.067, 0.067, 0.071, 0.32);

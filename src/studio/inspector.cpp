@@ -87,6 +87,7 @@ Inspector::Inspector(QWidget* parent)
   connect(addPing_, &QAbstractButton::clicked, this, &Inspector::addPingPressed);
   for (const StudioField* field : {sender_, message_, delay_})
     connect(field, &StudioField::editingFinished, this, &Inspector::editingFinished);
+  for (const StudioField* field : {customAppLabel_, delay_}) field->edit()->leaveOnEnter();
   for (const StudioField* field : {sender_, message_})
     connect(field->edit(), &QLineEdit::returnPressed, this, &Inspector::enterPressed);
 }
@@ -119,6 +120,7 @@ void Inspector::focusAddPing(Qt::FocusReason reason) {
 }
 
 void Inspector::focusMessage(Qt::FocusReason reason) {
+  for (const StudioField* field : {sender_, message_}) field->edit()->forgetHistory();
   message_->edit()->setFocus(reason);
   message_->edit()->selectAll();
 }

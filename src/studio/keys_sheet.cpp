@@ -12,9 +12,9 @@ Alert::Content keysSheet() {
       .cancel = u"Done"_s,
       .lines = {
           {u"Ctrl+Enter"_s, u"Add a ping, from anywhere. Enter does it in Sender and Text."_s},
-          {u"Ctrl+D"_s, u"Duplicate the ping."_s},
-          {u"Ctrl+C, X, V"_s, u"Copy, cut, paste the ping of the row in focus, also into another window."_s},
-          {u"Delete"_s, u"Remove the ping of the row in focus."_s},
+          {u"Ctrl+D"_s, u"Duplicate the selected ping."_s},
+          {u"Ctrl+C, X, V"_s, u"Copy, cut, paste the selected ping, also into another window."_s},
+          {u"Delete"_s, u"Remove it."_s},
           {u"Ctrl+Z, Ctrl+Shift+Z"_s, u"Undo and redo, also after New."_s},
           {u"Alt+Left, Alt+Right"_s, u"Land 0.1 s earlier or later. With Shift, 0.01 s."_s},
           {u"Space, Ctrl+P"_s, u"Play. Space does it while nothing has the focus."_s},

@@ -44,7 +44,8 @@ void PictureChip::setPhoto(const QString& path) {
     update();
   };
   if (path.isEmpty()) return show({});
-  inBackground(this, [path] { return previewOf(decodeImageFile(path)); }, show);
+  inBackground(
+      this, [path] { return previewOf(decodeImageFile(path)); }, show);
 }
 
 void PictureChip::paintEvent(QPaintEvent*) {

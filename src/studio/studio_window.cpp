@@ -306,7 +306,8 @@ void StudioWindow::closeEvent(QCloseEvent* event) {
 }
 
 void StudioWindow::keyPressEvent(QKeyEvent* event) {
-  const bool isOnRow = timeline_->list()->hasFocus();
+  // The selected ping counts as in focus where nothing else is.
+  const bool isOnRow = timeline_->list()->hasFocus() || (hasFocus() && view_->selectedPingId());
   if (event->matches(QKeySequence::Undo)) {
     view_->undo();
   } else if (event->matches(QKeySequence::Redo) || event->keyCombination() == (Qt::CTRL | Qt::Key_Y)) {
@@ -317,6 +318,8 @@ void StudioWindow::keyPressEvent(QKeyEvent* event) {
     copyPing();
   } else if (event->matches(QKeySequence::Cut) && isOnRow) {
     copyPing();
+    view_->removePing(currentPingId());
+  } else if (event->key() == Qt::Key_Delete && isOnRow && !event->isAutoRepeat()) {
     view_->removePing(currentPingId());
   } else if (event->key() == Qt::Key_Space && hasFocus()) {
     view_->play();

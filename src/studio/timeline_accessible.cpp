@@ -110,8 +110,8 @@ class AccessibleTimeline : public QAccessibleWidget {
     const QString& pingId = list()->ping(index).id;
     auto known = rowIds_.find(pingId);
     if (known == rowIds_.end())
-      known =
-          rowIds_.insert(pingId, QAccessible::registerAccessibleInterface(new AccessiblePart(list(), pingId)));
+      known = rowIds_.insert(pingId,
+                             QAccessible::registerAccessibleInterface(new AccessiblePart(list(), pingId)));
     return QAccessible::accessibleInterface(*known);
   }
   int indexOfChild(const QAccessibleInterface* part) const override {

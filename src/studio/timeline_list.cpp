@@ -37,8 +37,9 @@ TimelineList::TimelineList(QWidget* parent)
 }
 
 void TimelineList::setPings(const QList<Ping>& pings, const std::optional<QString>& selectedId) {
-  const bool rowsDiffer = !std::equal(pings.begin(), pings.end(), rows_.begin(), rows_.end(),
-                                      [](const Ping& ping, const Row& row) { return ping.id == row.ping.id; });
+  const bool rowsDiffer =
+      !std::equal(pings.begin(), pings.end(), rows_.begin(), rows_.end(),
+                  [](const Ping& ping, const Row& row) { return ping.id == row.ping.id; });
   const qsizetype formerCurrent = currentRow();
   setRows(pings);
   setSelected(selectedId);

@@ -54,6 +54,7 @@ TopBar::TopBar(QWidget* parent)
   }
   if (const auto mark = BundleImage::named(u"brisklet-mark"_s)) logo_ = tinted(*mark, Studio::ink);
 
+  title_->leaveOnEnter();
   title_->setPlaceholderText(u"Untitled video"_s);
   title_->setAccessibleName(u"Title"_s);
   title_->setAttribute(Qt::WA_Hover);
@@ -83,8 +84,8 @@ void TopBar::setState(const State& state) {
   play_->setUsable(state.canPlay);
   export_->setTitle(state.exportProgress ? u"Exporting"_s : u"Export"_s);
   export_->setUsable(state.canExport);
-  percentage_->setText(
-      state.exportProgress ? u"%1%"_s.arg(static_cast<int>(*state.exportProgress * 100)) : QString());
+  percentage_->setText(state.exportProgress ? u"%1%"_s.arg(static_cast<int>(*state.exportProgress * 100))
+                                            : QString());
   place();
 }
 

@@ -205,6 +205,7 @@ class Monkey {
                                               {Qt::ALT | Qt::SHIFT | Qt::Key_Right, "Text"}};
     QString may = mayDo(name);
     for (const QString& each : anywhere.value(pressed.toCombined()).split(' ')) may += ' ' + mayDo(each);
+    if (on == top && (pressed.key() == Qt::Key_Delete || pressed.key() == Qt::Key_X)) may += " removal";
     if (pressed.key() == Qt::Key_Return && (name == "Sender" || name == "Text")) may += " addition";
     isReversible_ = !may.contains("all");
     if (oneIn(4)) {

@@ -194,6 +194,8 @@ TEST_F(StudioWindowTest, keysThatHandsKnow) {
     type(word);
     key(Qt::Key_Return);
     EXPECT_TRUE(text->hasFocus() && text->selectedText() == word) << "The next one is typed over it.";
+    key(Qt::Key_Z, Qt::ControlModifier);
+    key(Qt::Key_Y, Qt::ControlModifier);
   }
   chip("Instagram")->setFocus(Qt::TabFocusReason);
   key(Qt::Key_Return, Qt::ControlModifier);
@@ -227,6 +229,9 @@ TEST_F(StudioWindowTest, keysThatHandsKnow) {
   }
   QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, {300, 300});
   EXPECT_FALSE(view().selectedPingId());
+  QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, card);
+  key(Qt::Key_Delete);
+  EXPECT_EQ(messages(), "one two one");
   key(Qt::Key_Space);
   EXPECT_TRUE(view().isPlaying());
   key(Qt::Key_F1);

@@ -61,6 +61,16 @@ void StudioLineEdit::showText(const QString& shown) {
   if (!hasFocus()) setCursorPosition(0);
 }
 
+void StudioLineEdit::forgetHistory() {
+  isShowing_ = true;
+  setText(text());
+  isShowing_ = false;
+}
+
+void StudioLineEdit::leaveOnEnter() {
+  connect(this, &QLineEdit::returnPressed, this, [this] { window()->setFocus(Qt::OtherFocusReason); });
+}
+
 void StudioLineEdit::keyPressEvent(QKeyEvent* event) {
   const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   if ((event->matches(QKeySequence::Undo) && !isUndoAvailable()) ||

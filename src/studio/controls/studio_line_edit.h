@@ -19,6 +19,10 @@ class StudioLineEdit : public QLineEdit {
 
   /// Shows a text. The caret, the selection and the undo history stay when it is shown already.
   void showText(const QString& text);
+  /// What was typed has been used: undo is no longer about it.
+  void forgetHistory();
+  /// Enter leaves the field.
+  void leaveOnEnter();
 
  Q_SIGNALS:
   /// The user has changed the text, which is one line: typed, pasted, dictated.

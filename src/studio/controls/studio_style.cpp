@@ -17,9 +17,10 @@ namespace brisklet {
 
 namespace {
 
-constexpr int tooltipMargin = 5, controlHeight = 32, buttonSideMargin = 6, fieldMargin = 6, listRowHeight = 26;  // pt
-constexpr int scrollBarWidth = 12, scrollThumbInset = 3, leastScrollThumb = 42;             // pt
-constexpr double radius = 7, chevronSize = 11;                                              // pt
+constexpr int tooltipMargin = 5, controlHeight = 32, buttonSideMargin = 6, fieldMargin = 6,
+              listRowHeight = 26;                                                // pt
+constexpr int scrollBarWidth = 12, scrollThumbInset = 3, leastScrollThumb = 42;  // pt
+constexpr double radius = 7, chevronSize = 11;                                   // pt
 
 /// What a file dialog shows in its bars and beside its files.
 constexpr std::pair<QStyle::StandardPixmap, QStringView> symbols[] = {
