@@ -3,8 +3,10 @@
 #include "studio/app_chip.h"
 #include "studio/controls/chip_grid.h"
 #include "studio/controls/inspector_block.h"
+#include "studio/controls/palette.h"
 #include "studio/controls/studio_button.h"
 #include "studio/controls/studio_field.h"
+#include "studio/controls/studio_text.h"
 #include "studio/editor/delay_text.h"
 #include "studio/picture_chip.h"
 #include "studio/type_chip.h"
@@ -37,6 +39,7 @@ constexpr int appNameMargin = 10, fieldSpacing = 10;  // pt
 Inspector::Inspector(QWidget* parent)
     : QWidget(parent),
       wallpapers_(new ChipGrid(u"Lock screen"_s, wallpaperRows)),
+      photoRemark_(new StudioText({12, FontWeight::Regular}, Studio::mute)),
       apps_(new ChipGrid(u"App"_s, appRows)),
       customAppLabel_(new StudioField(u"App name"_s)),
       customAppLabelArea_(new QWidget),
@@ -53,6 +56,9 @@ Inspector::Inspector(QWidget* parent)
   auto* lockScreen = new InspectorBlock(u"Lock screen"_s);
   lockScreen->content()->addWidget(wallpapers_);
   addWallpapers(wallpapers_);
+  photoRemark_->setText(u"This photo is too light for the clock."_s);
+  photoRemark_->hide();
+  lockScreen->content()->addWidget(photoRemark_);
   column->addWidget(lockScreen);
 
   auto* app = new InspectorBlock(u"App"_s);
@@ -102,6 +108,7 @@ void Inspector::addWallpapers(ChipGrid* grid) {
   photo_->setToolTip(u"Upload photo"_s);
   grid->add(photo_);
   connect(photo_, &QAbstractButton::clicked, this, &Inspector::photoChipPressed);
+  connect(photo_, &PictureChip::photoRead, this, &Inspector::showPhotoRemark);
 }
 
 void Inspector::addApps(ChipGrid* grid) {
@@ -130,6 +137,7 @@ void Inspector::setState(const State& state) {
     chip->setSelected(state.wallpaper == static_cast<PictureChip*>(chip)->id());
   wallpapers_->selectionChanged();
   photo_->setPhoto(state.wallpaperUrl);
+  showPhotoRemark();
 
   for (Chip* chip : apps_->chips()) {
     const auto* builtIn = qobject_cast<AppChip*>(chip);
@@ -147,6 +155,10 @@ void Inspector::setState(const State& state) {
   sender_->setText(state.sender);
   message_->setText(state.message);
   showDelay(state);
+}
+
+void Inspector::showPhotoRemark() {
+  photoRemark_->setVisible(photo_->isSelected() && photo_->isTooLight());
 }
 
 void Inspector::showTypes(const QString& appId) {

@@ -12,6 +12,7 @@ class ChipGrid;
 class PictureChip;
 class StudioButton;
 class StudioField;
+class StudioText;
 
 /// The choices from which pings are made, and the fields of the selected ping. Shows what it is given and
 /// tells what the user wants.
@@ -57,11 +58,13 @@ class Inspector : public QWidget {
  private:
   void addWallpapers(ChipGrid* grid);
   void addApps(ChipGrid* grid);
+  void showPhotoRemark();
   void showTypes(const QString& appId);
   void showDelay(const State& state);
 
   ChipGrid* wallpapers_;
   PictureChip* photo_ = nullptr;
+  StudioText* photoRemark_;
   ChipGrid* apps_;
   StudioField* customAppLabel_;
   /// Holds the field and the space above it.

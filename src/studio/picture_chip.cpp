@@ -11,6 +11,9 @@
 #include "studio/controls/palette.h"
 
 #include <QPainter>
+#include <cmath>
+#include <tuple>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -27,6 +30,23 @@ QImage previewOf(const std::optional<QImage>& picture) {
   return picture ? photoFill(*picture, {previewPixels, previewPixels}) : QImage();
 }
 
+/// Whether white stands out from the photo by less than 1.6:1 where the date and the clock are.
+bool isTooLightForClock(const QImage& photo) {
+  constexpr QRect clock(10, 5, 19, 12);  // on a canvas of a tenth of the lock screen's size
+  const QImage canvas = photoFill(photo, {39, 84});
+  double light = 0;
+  for (int y = clock.top(); y <= clock.bottom(); ++y) {
+    for (int x = clock.left(); x <= clock.right(); ++x) {
+      const QColor color = canvas.pixelColor(x, y);
+      const auto linear = [](double component) { return std::pow(component, 2.2); };
+      light +=
+          0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+    }
+  }
+  light /= clock.width() * clock.height();
+  return 1.05 / (light + 0.05) < 1.6;
+}
+
 }  // namespace
 
 PictureChip::PictureChip(const QString& id, const QString& label, QWidget* parent)
@@ -38,14 +58,18 @@ PictureChip::PictureChip(const QString& id, const QString& label, QWidget* paren
 void PictureChip::setPhoto(const QString& path) {
   if (path == path_) return;
   path_ = path;
-  const auto show = [this, path](const QImage& preview) {
+  const auto show = [this, path](const std::pair<QImage, bool>& read) {
     if (path != path_) return;
-    preview_ = preview;
+    std::tie(preview_, isTooLight_) = read;
     update();
+    Q_EMIT photoRead();
   };
   if (path.isEmpty()) return show({});
-  inBackground(
-      this, [path] { return previewOf(decodeImageFile(path)); }, show);
+  const auto read = [path] {
+    const std::optional<QImage> photo = decodeImageFile(path);
+    return std::pair(previewOf(photo), photo && isTooLightForClock(*photo));
+  };
+  inBackground(this, read, show);
 }
 
 void PictureChip::paintEvent(QPaintEvent*) {

@@ -18,9 +18,15 @@ class PictureChip : public Chip {
   PictureChip(const QString& id, const QString& label, QWidget* parent = nullptr);
 
   [[nodiscard]] const QString& id() const { return id_; }
-  /// The path of the photo; empty when there is none. It is read once.
+  /// The path of the photo; empty when there is none. It is read once, in the background.
   void setPhoto(const QString& path);
+  /// Whether the white clock can hardly be read on the photo.
+  [[nodiscard]] bool isTooLight() const { return isTooLight_; }
   [[nodiscard]] QSize sizeHint() const override { return {44, 44}; }
+
+ Q_SIGNALS:
+  /// Another photo has been read.
+  void photoRead();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -29,6 +35,7 @@ class PictureChip : public Chip {
   QString id_;
   QString path_;
   QImage preview_;
+  bool isTooLight_ = false;
 };
 
 }  // namespace brisklet

@@ -10,6 +10,7 @@
 #include "studio/controls/rule.h"
 #include "studio/controls/studio_button.h"
 #include "studio/controls/studio_field.h"
+#include "studio/picture_chip.h"
 #include "studio/stage.h"
 #include "studio/timeline_list.h"
 #include "studio/top_bar.h"
@@ -21,7 +22,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCoroTimer>
+#include <QPainter>
 #include <QPointer>
+#include <QTemporaryDir>
 #include <QTest>
 #include <chrono>
 
@@ -323,6 +326,20 @@ TEST(TimelineListTest, rowsOfThousandsKeepTheirOrderAndHeights) {
   pings.removeAt(0);
   pings.swapItemsAt(3, 900);
   expectGapless();
+}
+
+TEST(PictureChipTest, aPhotoIsMeasuredWhereTheClockIs) {
+  const QTemporaryDir folder;
+  QImage photo(390, 844, QImage::Format_RGB32);
+  PictureChip chip("custom", "Photo");
+  for (const bool isLight : {true, false}) {
+    photo.fill(isLight ? Qt::black : Qt::white);
+    QPainter(&photo).fillRect(60, 30, 270, 180, isLight ? Qt::white : Qt::gray);
+    const QString path = folder.filePath(isLight ? "light.png" : "dark.png");
+    ASSERT_TRUE(photo.save(path));
+    chip.setPhoto(path);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return chip.isTooLight() == isLight; }));
+  }
 }
 
 TEST_F(StudioWindowTest, assistiveTechnologyWorksFieldsAndRows) {
