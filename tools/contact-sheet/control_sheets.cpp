@@ -151,11 +151,7 @@ void addButtons(Sheet& sheet) {
        chips,
        [] { return new TypeChip(PingType::types(u"instagram"_s).at(1)); }},
       {u"PictureChip"_s, Studio::paper, {44, 44}, chips, [] { return new PictureChip(u"one"_s, {}); }},
-      {u"of the user's own"_s,
-       Studio::paper,
-       {44, 44},
-       chips,
-       [] { return new PictureChip(customId, {}); }},
+      {u"of the user's own"_s, Studio::paper, {44, 44}, chips, [] { return new PictureChip(customId, {}); }},
       {u"AppChip"_s,
        Studio::paper,
        {36, 36},
@@ -297,7 +293,7 @@ void addAlerts(Sheet& sheet) {
 
 class NoPanels : public FilePanels {
  public:
-  void save(const SavePanel&, Done done) override { done(std::nullopt); }
+  void save(const SavePanel&, SaveDone done) override { done(std::nullopt); }
   void open(const OpenPanel&, Done done) override { done(std::nullopt); }
 };
 
@@ -436,7 +432,7 @@ QImage dialogSheet(const QString& scratch) {
   const std::unique_ptr<FilePanels> panels = makeFilePanels(window.get());
   const SavePanel save{.title = u"Export notification video"_s,
                        .proposedName = u"launch-day.mp4"_s,
-                       .kind = u"MPEG-4 movies"_s,
+                       .kinds = {u"MPEG-4 movie"_s},
                        .suffix = u"mp4"_s};
   panels->save(save, [](const auto&) {});
   addTopLevel("QFileDialog", u"save"_s);
