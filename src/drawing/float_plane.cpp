@@ -28,6 +28,15 @@ FloatPlane::FloatPlane(int columns, int rows)
       height(rows),
       samples(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {}
 
+FloatPlane alphaOf(const QImage& picture) {
+  FloatPlane plane(picture.width(), picture.height());
+  for (int y = 0; y < plane.height; ++y) {
+    const auto* line = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+    for (int x = 0; x < plane.width; ++x) plane.row(y)[x] = static_cast<float>(qAlpha(line[x])) / 255;
+  }
+  return plane;
+}
+
 FloatPlane blurred(const FloatPlane& plane, double sigma) {
   if (!(sigma > 0) || plane.samples.empty()) return plane;
   const std::vector<float> kernel = gaussianKernel(sigma);

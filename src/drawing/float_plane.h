@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <span>
 #include <vector>
 
@@ -22,6 +23,9 @@ struct FloatPlane {
     return samples.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
   }
 };
+
+/// The alpha of each pixel, 0 to 1; 32-bit pictures alone.
+[[nodiscard]] FloatPlane alphaOf(const QImage& picture);
 
 /// A Gaussian blur of `sigma` cells. Edges continue outwards.
 [[nodiscard]] FloatPlane blurred(const FloatPlane& plane, double sigma);

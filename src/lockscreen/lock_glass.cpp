@@ -2,6 +2,7 @@
 
 #include "drawing/continuous_corners.h"
 #include "drawing/float_plane.h"
+#include "lockscreen/notification_card.h"
 
 #include <QPainterPath>
 #include <QTransform>
@@ -9,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <thread>
 
 namespace brisklet {
 namespace {
@@ -24,7 +26,8 @@ struct Look {
   float glow;         // its strength
   double gleamDepth;  // how fast the brightness behind the rim fades inwards
   float gleam;        // how much of that brightness the rim catches
-  float shade;        // darkness inside the rim that is turned away from the light
+  float shade;        // darkness inside the rim that is turned away from the light,
+  float edge;         // and of the line along it
   float baseLight;    // the rim's brightness all around,
   float nearLight;    // more where it faces the light,
   float farLight;     // and where the light leaves the plate
@@ -40,9 +43,10 @@ constexpr Look materialLook{.blur = 20,
                             .hairline = 0.7,
                             .glowDepth = 5,
                             .glow = 0.10F,
-                            .gleamDepth = 2,
-                            .gleam = 0.20F,
+                            .gleamDepth = 0.7,
+                            .gleam = 0.30F,
                             .shade = 0.07F,
+                            .edge = 0.20F,
                             .baseLight = 0.10F,
                             .nearLight = 0.30F,
                             .farLight = 0.10F,
@@ -57,9 +61,10 @@ constexpr Look regularLook{.blur = 8,
                            .hairline = 0.8,
                            .glowDepth = 4,
                            .glow = 0.16F,
-                           .gleamDepth = 2,
-                           .gleam = 0.24F,
+                           .gleamDepth = 0.7,
+                           .gleam = 0.34F,
                            .shade = 0.10F,
+                           .edge = 0.24F,
                            .baseLight = 0.12F,
                            .nearLight = 0.62F,
                            .farLight = 0.34F,
@@ -98,11 +103,12 @@ float lumaOf(float red, float green, float blue) {
   return 0.2126F * red + 0.7152F * green + 0.0722F * blue;
 }
 
-/// The brightness of a plate over a backdrop of this brightness: lifted in the dark, level where white text
-/// would begin to fade.
+/// The brightness of a plate over a backdrop of this brightness: lifted in the dark, and rising slowly where
+/// white text begins to fade.
 float plateLuma(float luma) {
   const float lifted = 0.12F + 0.88F * luma;
-  const float ceiling = 0.435F + 0.03F * luma;
+  const float share = std::clamp((luma - 0.4F) / 0.6F, 0.0F, 1.0F);
+  const float ceiling = 0.435F + 0.03F * luma + 0.08F * share * (2 - share);
   constexpr float knee = 0.22F;
   const float near = std::max(knee - std::abs(lifted - ceiling), 0.0F) / knee;
   return std::min(lifted, ceiling) - near * near * knee / 4;
@@ -114,11 +120,12 @@ float gleamOf(float luma) {
   return share * share * (3 - 2 * share);
 }
 
-/// The contrast, by luminance, of white text at the faintest opacity that cards use, over this colour.
-float faintTextContrast(float red, float green, float blue) {
-  constexpr float opacity = 0.7F;
-  const auto over = [](float value) { return opacity + (1 - opacity) * value; };
-  return (luminance(over(red), over(green), over(blue)) + 0.05F) / (luminance(red, green, blue) + 0.05F);
+/// The contrast, by luminance, of white text of an opacity on this colour, of which so much light is left.
+float textContrast(float red, float green, float blue, double opacity, float light) {
+  const auto share = static_cast<float>(opacity);
+  const auto over = [&](float value) { return share + (1 - share) * light * value; };
+  return (luminance(over(red), over(green), over(blue)) + 0.05F) /
+         (luminance(light * red, light * green, light * blue) + 0.05F);
 }
 
 struct PlateColor {
@@ -127,8 +134,7 @@ struct PlateColor {
 
 /// What a plate makes of a blurred backdrop colour.
 PlateColor plateColor(float red, float green, float blue, float saturation) {
-  // A little above 3:1, for the light along the rim and the rounding to eight bits.
-  constexpr float leastContrast = 3.3F;
+  constexpr float leastContrast = 3.1F;  // a little above 3:1, for the rounding to eight bits
   const float luma = lumaOf(red, green, blue);
   const float level = plateLuma(luma);
   // A darkened colour keeps its saturation by keeping the ratio of its channels, not their distance, and a
@@ -145,7 +151,10 @@ PlateColor plateColor(float red, float green, float blue, float saturation) {
     return PlateColor{color.red * factor, color.green * factor, color.blue * factor};
   };
   const auto readable = [&](const PlateColor& c) {
-    return faintTextContrast(c.red, c.green, c.blue) >= leastContrast;
+    using namespace CardMetrics;
+    return textContrast(c.red, c.green, c.blue, messageOpacity, 1) >= leastContrast &&
+           textContrast(c.red, c.green, c.blue, timeOpacity,
+                        lightBehindTime(lumaOf(c.red, c.green, c.blue))) >= leastContrast;
   };
   if (readable(color)) return color;
   float dark = 0.5F, bright = 1;
@@ -424,6 +433,7 @@ void LockGlass::buildLight(double pixelsPerPoint, Rendering rendering) {
   baseLight_ = look.baseLight;
   nearLight_ = look.nearLight;
   farLight_ = look.farLight;
+  edge_ = look.edge;
 }
 
 void LockGlass::fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const {
@@ -488,8 +498,9 @@ LockGlass::Shine LockGlass::shine(const Column& column) const {
   const float square = facing * facing;
   const float rim = baseLight_ + square * (facing > 0 ? nearLight_ : farLight_);
   const float white = depth.hairline * rim + depth.glow * (facing > 0 ? 0.35F + 0.65F * square : 0.35F);
-  const float black = facing < 0 ? depth.shade * square : 0.0F;
-  return {(1 - white) * (1 - black), white, depth.gleam * (1 - white)};
+  const float black = facing < 0 ? (depth.shade + depth.hairline * edge_) * square : 0.0F;
+  const float gleam = facing > 0 ? depth.gleam * square * (2 - square) : 0.0F;
+  return {(1 - white) * (1 - black), white, gleam * (1 - white)};
 }
 
 void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
@@ -536,24 +547,41 @@ void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
 void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
                       std::span<const GlassPlate> plates) const {
   Q_ASSERT(target.size() == backdrop.size());
-  const double reachDown = margin_ + shadowOffset_;
+  double top = target.height(), bottom = 0;
+  for (const GlassPlate& plate : plates) {
+    top = std::min(top, plate.top - margin_ - 1);
+    bottom = std::max(bottom, plate.top + size_.height() + margin_ + shadowOffset_ + 1);
+  }
+  const int first = std::max(0, static_cast<int>(top)),
+            last = std::min(target.height(), static_cast<int>(bottom));
+  if (first >= last) return;
+  const Rows rows{reinterpret_cast<QRgb*>(target.bits()), target.bytesPerLine() / 4, target.width()};
+  // Rows know nothing of each other: half of them are painted beside the others.
+  const int middle = (first + last) / 2;
+  std::jthread upper([&] { paintRows(rows, first, middle, backdrop, left, plates); });
+  paintRows(rows, middle, last, backdrop, left, plates);
+}
+
+void LockGlass::paintRows(const Rows& rows, int firstRow, int lastRow, const QImage& backdrop, int left,
+                          std::span<const GlassPlate> plates) const {
   const int first = std::max(0, left - margin_);
-  const int count = std::min(target.width(), left + size_.width() + margin_) - first;
+  const int count = std::min(rows.width, left + size_.width() + margin_) - first;
   if (count <= 0) return;
   Scratch scratch{{}, {}, {}, {}, RowMix(static_cast<std::size_t>(2 * columns_))};
   std::vector<GlassPlate> near;
   std::vector<QRgb> before(static_cast<std::size_t>(count), 0);
   std::vector<std::uint16_t> sum(static_cast<std::size_t>(count) * 4, 0);
-  for (int y = 0; y < target.height(); ++y) {
+  for (int y = firstRow; y < lastRow; ++y) {
     near.clear();
     for (const GlassPlate& plate : plates) {
-      if (plate.opacity > 0 && y + 1 > plate.top - margin_ && y < plate.top + size_.height() + reachDown)
+      if (plate.opacity > 0 && y + 1 > plate.top - margin_ &&
+          y < plate.top + size_.height() + margin_ + shadowOffset_)
         near.push_back(plate);
     }
     if (near.empty()) continue;
     std::sort(near.begin(), near.end(),
               [](const GlassPlate& a, const GlassPlate& b) { return a.opacity > b.opacity; });
-    auto* line = reinterpret_cast<QRgb*>(target.scanLine(y));
+    QRgb* line = rows.pixels + y * rows.stride;
     if (near.back().opacity >= 1) {
       paintRow(line, backdrop, y, left, near, scratch);
       continue;

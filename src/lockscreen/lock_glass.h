@@ -10,8 +10,8 @@
 namespace brisklet {
 
 /// The wallpaper as it shines through a plate, at the wallpaper's size: blurred, livelier in colour, and
-/// moved into the range of brightness over which white text can be read, black lifted and white lowered. Text
-/// that is white at an opacity of 0.7 or more has a contrast of 3:1 or better everywhere on it. RGB32; the
+/// moved into the range of brightness over which white text can be read, black lifted and white lowered. The
+/// texts of a card, the time before its shade, have a contrast of 3:1 or better everywhere on it. RGB32; the
 /// byte that is left says how bright the wallpaper itself is there, for light along the rim.
 [[nodiscard]] QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, Rendering rendering);
 
@@ -66,6 +66,13 @@ class LockGlass {
     float keep, white, gleam;
   };
 
+  /// Pixels to paint on.
+  struct Rows {
+    QRgb* pixels;
+    qsizetype stride;  // pixels
+    int width;
+  };
+
   void buildField(double radius);
   void buildLight(double pixelsPerPoint, Rendering rendering);
   /// The smooth union of the plates; as far as can be where all are out of reach.
@@ -74,6 +81,8 @@ class LockGlass {
   [[nodiscard]] Shine shine(const Column& column) const;
   void paintRow(QRgb* target, const QImage& backdrop, int y, int left, std::span<const GlassPlate> plates,
                 Scratch& scratch) const;
+  void paintRows(const Rows& rows, int firstRow, int lastRow, const QImage& backdrop, int left,
+                 std::span<const GlassPlate> plates) const;
 
   QSize size_;
   int margin_ = 0;
@@ -88,7 +97,7 @@ class LockGlass {
   std::vector<Depth> depths_;
   std::vector<float> shadow_;
   double shadowOffset_ = 0;
-  float baseLight_ = 0, nearLight_ = 0, farLight_ = 0;
+  float baseLight_ = 0, nearLight_ = 0, farLight_ = 0, edge_ = 0;
 };
 
 }  // namespace brisklet

@@ -63,11 +63,7 @@ void paintTimeShadows(QImage& target, const TextBlock& time, const QRectF& place
                           time.draw(painter, {centreX, place.top() - top}, white(Metrics::timeOpacity));
                         }).scaled(columns, rows, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 
-  FloatPlane glowing(columns, rows);
-  for (int y = 0; y < rows; ++y) {
-    const auto* line = reinterpret_cast<const QRgb*>(coarse.constScanLine(y));
-    for (int x = 0; x < columns; ++x) glowing.row(y)[x] = static_cast<float>(qAlpha(line[x])) / 255;
-  }
+  FloatPlane glowing = alphaOf(coarse);
   FloatPlane light = lowered(blurred(glowing, glow.blur), static_cast<int>(glow.offsetY));
   for (std::size_t i = 0; i < light.samples.size(); ++i) {
     light.samples[i] *= glow.opacity;

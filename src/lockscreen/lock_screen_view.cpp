@@ -77,9 +77,12 @@ QList<LockScreenCache::DrawnCard> LockScreenCache::drawn(const QList<StackedCard
     const double top = placeTop(place) + share * (placeTop(place + 1) - placeTop(place));
     const double above = top + pixels.height() + scenery_.cardGlass().reach();
     if (top >= scenery_.picture().height() || above < 0) continue;
+    constexpr QSizeF size(Metrics::cardWidth, Metrics::cardHeight);
+    const TimeShade& shade = shade_.get({card.ping.lockTimeLabel(), pixels}, [&] {
+      return timeShade(card.ping, size, pixels.width() / size.width());
+    });
     result.append(
-        {contents_.image(card.ping, QSizeF(Metrics::cardWidth, Metrics::cardHeight), pixels, glyphs_), top,
-         std::clamp(card.opacity, 0.0, 1.0)});
+        {contents_.image(card.ping, size, pixels, glyphs_), shade, top, std::clamp(card.opacity, 0.0, 1.0)});
   }
   return result;
 }
@@ -114,6 +117,7 @@ QImage LockScreenCache::paintedCards(const QList<DrawnCard>& cards, double pixel
   QImage image = resting ? plated_.get({scenery.cacheKey(), tops}, plated) : plated();
   double lowest = 0;
   for (const DrawnCard& card : cards) {
+    card.shade.paint(image, {left, qRound(card.top)}, card.opacity);
     // The content comes after its plate and goes before it, so that two texts on one place hardly meet.
     drawAt(image, card.content, left, card.top, card.opacity * card.opacity);
     lowest = std::max(lowest, card.top + card.content.height());

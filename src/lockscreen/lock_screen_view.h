@@ -36,6 +36,7 @@ class LockScreenCache {
   /// A card as it stands in the picture, in pixels.
   struct DrawnCard {
     QImage content;
+    TimeShade shade;
     double top;
     double opacity;
 
@@ -61,6 +62,7 @@ class LockScreenCache {
   LockScreenScenery scenery_;
   AppGlyphCache glyphs_;
   CardContentCache contents_;
+  Kept<std::pair<QString, QSize>, TimeShade> shade_;
 
   /// The scenery with plates at rest, on which only the cards' contents differ from frame to frame.
   Kept<std::pair<qint64, QList<double>>, QImage> plated_;

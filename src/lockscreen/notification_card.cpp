@@ -1,8 +1,11 @@
 #include "lockscreen/notification_card.h"
 
+#include "drawing/continuous_corners.h"
+#include "drawing/float_plane.h"
 #include "drawing/pictures.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace brisklet {
 CardLayout cardLayout(const QSizeF& card, double timeWidth) {
@@ -37,6 +40,59 @@ void paintCardContent(QPainter& painter, const QSizeF& card, const Ping& ping, A
   time.draw(painter, layout.time, white(timeOpacity));
   TextLine(ping.message, messageStyle, layout.messageRoom)
       .draw(painter, layout.message, white(messageOpacity));
+}
+
+float lightBehindTime(float luma) {
+  constexpr float faintFrom = 0.43F, faintTo = 0.5F;
+  return 1 - CardMetrics::timeShade * std::clamp((luma - faintFrom) / (faintTo - faintFrom), 0.0F, 1.0F);
+}
+
+TimeShade timeShade(const Ping& ping, const QSizeF& card, double pixelsPerPoint) {
+  constexpr QSizeF reach(130, 56);  // points around the letters: so far that it shows no end
+  const TextLine time(ping.lockTimeLabel(), CardMetrics::timeStyle);
+  const QPointF baseline = cardLayout(card, time.width()).time;
+  const double height = 0.75 * time.ascent();
+  const QRectF letters(baseline - QPointF(0, height), QSizeF(time.width(), height));
+  const QRect pixels(qRound((letters.left() - reach.width()) * pixelsPerPoint), 0,
+                     qRound((card.width() - letters.left() + reach.width()) * pixelsPerPoint),
+                     qRound(card.height() * pixelsPerPoint));
+  const QImage plate = painted(pixels.size(), pixelsPerPoint, [&](QPainter& painter) {
+    painter.translate(-pixels.left() / pixelsPerPoint, 0);
+    painter.fillPath(continuousRoundedRect({QPointF(), card}, CardMetrics::cornerRadius), Qt::white);
+  });
+  TimeShade shade{pixels.topLeft(), QImage(pixels.size(), QImage::Format_Grayscale8)};
+  for (int y = 0; y < pixels.height(); ++y) {
+    for (int x = 0; x < pixels.width(); ++x) {
+      const QPointF point = (QPointF(pixels.topLeft()) + QPointF(x + 0.5, y + 0.5)) / pixelsPerPoint;
+      const double right = std::max({letters.left() - point.x(), point.x() - letters.right(), 0.0});
+      const double down = std::max({letters.top() - point.y(), point.y() - letters.bottom(), 0.0});
+      const double share = std::max(0.0, 1 - std::hypot(right / reach.width(), down / reach.height()));
+      shade.shares.scanLine(y)[x] =
+          static_cast<uchar>(std::lround(qAlpha(plate.pixel(x, y)) * share * share * (3 - 2 * share)));
+    }
+  }
+  return shade;
+}
+
+void TimeShade::paint(QImage& target, const QPoint& card, double opacity) const {
+  const QPoint corner = card + place;
+  const QRect here = QRect(corner, shares.size()) & target.rect();
+  for (int y = here.top(); y <= here.bottom(); ++y) {
+    auto* line = reinterpret_cast<QRgb*>(target.scanLine(y));
+    const uchar* share = shares.constScanLine(y - corner.y());
+    for (int x = here.left(); x <= here.right(); ++x) {
+      const QRgb pixel = line[x];
+      const float luma =
+          static_cast<float>(2126 * qRed(pixel) + 7152 * qGreen(pixel) + 722 * qBlue(pixel)) / 2550000;
+      const float left = lightBehindTime(luma);
+      if (left == 1) continue;
+      const float taken = (1 - left) * static_cast<float>(share[x - corner.x()] * opacity) / 255;
+      const auto level = [taken, dither = ditherAt(x, y)](int value) {
+        return static_cast<int>(static_cast<float>(value) * (1 - taken) + dither);
+      };
+      line[x] = qRgb(level(qRed(pixel)), level(qGreen(pixel)), level(qBlue(pixel)));
+    }
+  }
 }
 
 QImage CardContentCache::image(const Ping& ping, const QSizeF& card, const QSize& pixels,

@@ -27,6 +27,8 @@ inline constexpr TextStyle titleStyle{15, FontWeight::Semibold};
 inline constexpr TextStyle timeStyle{13, FontWeight::Regular};
 inline constexpr TextStyle messageStyle{15, FontWeight::Regular};
 inline constexpr double timeOpacity = 0.7, messageOpacity = 0.94;
+/// How much of a bright plate's light the shade behind the time takes, whose letters are faint.
+inline constexpr float timeShade = 0.14F;
 
 }  // namespace CardMetrics
 
@@ -44,6 +46,20 @@ struct CardLayout {
 
 /// Paints what stands on the card's plate, the card's upper left corner at the painter's origin.
 void paintCardContent(QPainter& painter, const QSizeF& card, const Ping& ping, AppGlyphCache& glyphs);
+
+/// How much light is left of this brightness (0 to 1) right behind the time: where the plate is not so bright
+/// that its letters would fade, all of it.
+[[nodiscard]] float lightBehindTime(float luma);
+
+/// The shade behind the time of a card, which nobody sees.
+struct TimeShade {
+  QPoint place;   // pixels from the card's upper left corner
+  QImage shares;  // Grayscale8: how much of it lies on each pixel
+
+  /// Darkens a card whose upper left corner is here, as far as the picture is bright.
+  void paint(QImage& target, const QPoint& card, double opacity) const;
+};
+[[nodiscard]] TimeShade timeShade(const Ping& ping, const QSizeF& card, double pixelsPerPoint);
 
 /// Keeps what stands on the cards last drawn, as pictures.
 class CardContentCache {

@@ -40,12 +40,7 @@ FloatPlane shadowOf(const QRectF& phone, double pixelsPerPoint, const QSize& cel
   const QImage outline = painted(cells, 1 / cell, [&](QPainter& painter) {
     painter.fillPath(continuousRoundedRect(place, Metrics::liveCornerRadius * pixelsPerPoint), Qt::black);
   });
-  FloatPlane plane(cells.width(), cells.height());
-  for (int y = 0; y < cells.height(); ++y) {
-    const auto* line = reinterpret_cast<const QRgb*>(outline.constScanLine(y));
-    for (int x = 0; x < cells.width(); ++x) plane.row(y)[x] = static_cast<float>(qAlpha(line[x])) / 255;
-  }
-  return blurred(plane, shadowBlur * pixelsPerPoint / cell);
+  return blurred(alphaOf(outline), shadowBlur * pixelsPerPoint / cell);
 }
 
 QImage emptyPage(const QSize& size, const QImage& wallpaper, const PageLayout& layout) {
