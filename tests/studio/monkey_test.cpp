@@ -59,7 +59,16 @@ class Monkey {
     const QDeadlineTimer end(ms);
     while (!end.hasExpired() && !testing::Test::HasFailure()) step();
     for (const auto& each : exports_) each->promise.finish();
-    for (StudioWindow* each : windows()) delete each;
+    for (StudioWindow* each : windows()) {
+      const auto travel = [each](void (StudioView::*step)()) {
+        for (int i = 0; i < 300; ++i) (each->view().*step)();
+        return each->view().document();
+      };
+      const SequenceDocument last = travel(&StudioView::redo);
+      travel(&StudioView::undo);
+      EXPECT_EQ(travel(&StudioView::redo), last) << "All that is undone can be redone.";
+      delete each;
+    }
     QTest::qWait(1);
     std::cout << steps_ << " events" << std::endl;
   }
@@ -131,14 +140,20 @@ class Monkey {
     const QString name = button && !button->text().isEmpty() ? button->text() : widget->accessibleName();
     return name.isEmpty() ? widget->metaObject()->className() : name;
   }
-  /// What an event on a control may do to the document.
-  static QString mayDo(const QString& name) {
-    if (QStringList{"Sender", "Text", "Lands at (seconds)", "App", "Type"}.contains(name)) return "ping";
-    if (name == "Lock screen" || name == "QDialog" || name == "drop") return "wallpaper";
-    if (name == "Add ping" || name == "addition") return "addition";
-    if (name == "Pings") return "removal";
-    if (name == "QMenu") return "title ping";
-    return name == "New" ? "all" : name == "Title" ? "title" : "";
+  /// What an event on a control, or a key wherever it is pressed, may do to the document.
+  static QString mayDo(const QString& what) {
+    static const QStringList rules =
+        QString(
+            "Sender:ping addition|Text:ping addition|Lands at (seconds):ping|App:ping|Type:ping|Add "
+            "ping:addition|"
+            "Lock screen:wallpaper|QDialog:wallpaper|drop:wallpaper|Pings:removal|QMenu:title ping|New:all|"
+            "Title:title|Ctrl+Return:addition|Ctrl+D:addition|Ctrl+V:addition "
+            "wallpaper|Ctrl+Z:all|Ctrl+Y:all|"
+            "Ctrl+Shift+Z:all|Alt+Left:ping|Alt+Down:ping|Alt+Shift+Right:ping")
+            .split('|');
+    for (const QString& each : rules)
+      if (each.section(':', 0, 0) == what) return each.section(':', 1);
+    return {};
   }
   /// Of another ping than the one that is worked on, all that differs is too much.
   static QString difference(const Former& former, const SequenceDocument& after) {
@@ -171,8 +186,7 @@ class Monkey {
             "Tab Tab Tab Tab Backtab Backtab Space Space Return Return Esc Left Right Up Down Home End PgUp "
             "PgDown Del Del Backspace A 1 , Ctrl+A Ctrl+C Ctrl+X Ctrl+V Ctrl+V Ctrl+Z Ctrl+Z Ctrl+Z "
             "Ctrl+Shift+Z Ctrl+Y Ctrl+Return Ctrl+D Ctrl+E Ctrl+P F1 Alt+Left Alt+Down Alt+Shift+Right "
-            "Ctrl+N "
-            "Ctrl+W Ctrl+Q")
+            "Ctrl+N Ctrl+W Ctrl+Q")
             .split(' ');
     const QKeyCombination pressed = QKeySequence(anyOf(keys))[0];
     const bool isCtrl = pressed.keyboardModifiers() == Qt::ControlModifier;
@@ -193,20 +207,9 @@ class Monkey {
     QWidget* on = popup ? popup : top && top->focusWidget() ? top->focusWidget() : top;
     const QString name = nameOf(on);
     mayClose_ = ends || name == "Close";
-    // What a key does wherever the focus is.
-    static const QHash<int, QString> anywhere{{Qt::CTRL | Qt::Key_Return, "addition"},
-                                              {Qt::CTRL | Qt::Key_D, "addition"},
-                                              {Qt::CTRL | Qt::Key_V, "drop addition"},
-                                              {Qt::CTRL | Qt::Key_Z, "New"},
-                                              {Qt::CTRL | Qt::Key_Y, "New"},
-                                              {Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "New"},
-                                              {Qt::ALT | Qt::Key_Left, "Text"},
-                                              {Qt::ALT | Qt::Key_Down, "Text"},
-                                              {Qt::ALT | Qt::SHIFT | Qt::Key_Right, "Text"}};
-    QString may = mayDo(name);
-    for (const QString& each : anywhere.value(pressed.toCombined()).split(' ')) may += ' ' + mayDo(each);
-    if (on == top && (pressed.key() == Qt::Key_Delete || pressed.key() == Qt::Key_X)) may += " removal";
-    if (pressed.key() == Qt::Key_Return && (name == "Sender" || name == "Text")) may += " addition";
+    const QString key = QKeySequence(pressed).toString();
+    QString may = mayDo(name) + ' ' + mayDo(key);
+    if (on == top && (key == "Del" || key == "Ctrl+X")) may += " removal";
     isReversible_ = !may.contains("all");
     if (oneIn(4)) {
       isReversible_ = false;
@@ -215,7 +218,7 @@ class Monkey {
     } else {
       QTest::keyClick(window, pressed.key(), pressed.keyboardModifiers());
     }
-    say("key " + QKeySequence(pressed).toString(), name);
+    say("key " + key, name);
     return may;
   }
   QString drop(StudioWindow* window) {
@@ -243,7 +246,7 @@ class Monkey {
     if (!on) on = window;
     // A click that closes a menu may go on to what is under it.
     const QString under = nameOf(on);
-    if (QApplication::activePopupWidget()) on = QApplication::activePopupWidget();
+    if (QWidget* popup = QApplication::activePopupWidget()) on = popup;
     const QString name = nameOf(on);
     QWindow* surface = window->windowHandle();
     if ((name == "Close" && !oneIn(8)) || !QRect({}, surface->size()).contains(at)) return {};
