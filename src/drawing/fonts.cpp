@@ -12,13 +12,15 @@ namespace brisklet {
 namespace {
 
 QStringList families() {
-  // Without the emoji font in second place some emoji come from black and white fonts.
-  QStringList names{u"Brisklet Inter"_s, u"Noto Color Emoji"_s};
+  QStringList names{u"Brisklet Inter"_s};
   for (const char* name :
        {"Noto Sans", "Noto Sans Arabic", "Noto Sans Hebrew", "Noto Sans Thai", "Noto Sans Devanagari",
         "Noto Sans Bengali", "Noto Sans Tamil", "Noto Sans CJK SC", "Noto Sans CJK JP", "Noto Sans CJK KR",
         "Noto Sans Symbols", "Noto Sans Symbols2", "Noto Sans Math"})
     names.append(QLatin1String(name));
+  // Last, so that symbols that are text, such as an envelope, are as white as the letters. Emoji name it
+  // themselves.
+  names.append(u"Noto Color Emoji"_s);
   return names;
 }
 

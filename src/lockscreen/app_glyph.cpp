@@ -39,6 +39,13 @@ void drawMark(QPainter& painter, const QString& text, double sizePt, double tile
   line.draw(painter, baseline + QPointF(tileSize / 2, tileSize / 2) - ink.center(), Qt::white);
 }
 
+/// The first character of a label that can be seen: marks of direction have no picture.
+QString firstLetter(const QString& label) {
+  const auto seen = std::find_if(label.begin(), label.end(),
+                                 [](QChar c) { return !c.isSpace() && c.category() != QChar::Other_Format; });
+  return firstGrapheme(label.sliced(seen - label.begin()));
+}
+
 void drawFallback(QPainter& painter, const Ping& ping, double tileSize) {
   const QRectF tile(0, 0, tileSize, tileSize);
   if (ping.appId == u"messages"_s) {
@@ -46,7 +53,7 @@ void drawFallback(QPainter& painter, const Ping& ping, double tileSize) {
     drawSymbol(painter, u"message.fill"_s, messageSymbolSize, tile.center(), Qt::white);
   } else if (ping.appId == customId) {
     painter.fillRect(tile, QColor(0x11, 0x11, 0x11));
-    drawMark(painter, firstGrapheme(ping.appLabel).toUpper(), customMarkShare * tileSize, tileSize);
+    drawMark(painter, firstLetter(ping.appLabel).toUpper(), customMarkShare * tileSize, tileSize);
   } else if (ping.appId == u"cashapp"_s) {
     painter.fillRect(tile, QColor::fromRgbF(0, 0.839F, 0.196F));
     drawMark(painter, u"$"_s, currencyMarkSize, tileSize);

@@ -103,6 +103,7 @@ void LockScreenScenery::update(const SequenceDocument& document, const QSize& pi
   const QImage& wallpaper = wallpaperSource_.filled(
       document, pixels, rendering == Rendering::Live ? PhotoChanges::Followed : PhotoChanges::Ignored);
   const Scale scale{pixels, pixelsPerPoint, rendering};
+  rendering_ = rendering;
   const auto glassOf = [&](const QSizeF& points, double radius) {
     const QSize size = (points * pixelsPerPoint).toSize().expandedTo({1, 1});
     return std::make_unique<const LockGlass>(size, radius, pixelsPerPoint, rendering);
@@ -117,7 +118,7 @@ void LockScreenScenery::update(const SequenceDocument& document, const QSize& pi
     layout_ = lockScreenLayout(document, 0);
     QImage picture = wallpaper;
     paintBack(picture, document, pixelsPerPoint);
-    paintFront(picture, pixelsPerPoint);
+    paintFront(picture, Behind::Wallpaper, pixelsPerPoint);
     return picture;
   });
 }
@@ -138,18 +139,33 @@ void LockScreenScenery::paintBack(QImage& target, const SequenceDocument& docume
   time.draw(painter, {timeCentre, layout_.time.top()}, white(Metrics::timeOpacity));
 }
 
-void LockScreenScenery::paintFront(QImage& target, double pixelsPerPoint) const {
-  for (const PlacedSymbol& orb : {layout_.torchOrb, layout_.cameraOrb}) paintOrb(target, orb, pixelsPerPoint);
+void LockScreenScenery::paintFront(QImage& target, Behind behind, double pixelsPerPoint) const {
+  for (const PlacedSymbol& orb : {layout_.torchOrb, layout_.cameraOrb})
+    paintOrb(target, orb, behind, pixelsPerPoint);
   QPainter painter(&target);
   setUpPainter(painter, pixelsPerPoint);
   painter.fillPath(continuousRoundedRect(layout_.homeIndicator, Metrics::indicatorHeight / 2),
                    white(Metrics::indicatorOpacity));
 }
 
-void LockScreenScenery::paintOrb(QImage& target, const PlacedSymbol& orb, double pixelsPerPoint) const {
+void LockScreenScenery::paintOrb(QImage& target, const PlacedSymbol& orb, Behind behind,
+                                 double pixelsPerPoint) const {
+  const LockGlass& glass = *glass_.last().orb;
   const QPoint corner = (orb.rect.topLeft() * pixelsPerPoint).toPoint();
-  const GlassPlate plate{static_cast<double>(corner.y())};
-  glass_.last().orb->paint(target, backdrop(), corner.x(), {&plate, 1});
+  if (behind == Behind::Wallpaper) {
+    const GlassPlate plate{static_cast<double>(corner.y())};
+    glass.paint(target, backdrop(), corner.x(), {&plate, 1});
+  } else {
+    // What is around it is enough to see through it.
+    const QRect around = QRect(corner, glass.plateSize())
+                             .adjusted(-glass.reach(), -glass.reach(), glass.reach(), glass.reach()) &
+                         target.rect();
+    QImage part = target.copy(around);
+    const GlassPlate plate{static_cast<double>(corner.y() - around.top())};
+    glass.paint(part, glassBackdrop(part, pixelsPerPoint, rendering_), corner.x() - around.left(),
+                {&plate, 1});
+    QPainter(&target).drawImage(around.topLeft(), part);
+  }
   QPainter painter(&target);
   setUpPainter(painter, pixelsPerPoint);
   drawSymbol(painter, orb.name, Metrics::orbSymbolSize, orb.rect.center(), white(1));

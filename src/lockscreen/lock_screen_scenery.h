@@ -35,7 +35,8 @@ class LockScreenScenery {
   [[nodiscard]] const LockGlass& cardGlass() const { return *glass_.last().card; }
 
   /// Paints the quick actions and the home indicator, which stand in front of the cards.
-  void paintFront(QImage& target, double pixelsPerPoint) const;
+  enum class Behind { Wallpaper, Cards };
+  void paintFront(QImage& target, Behind behind, double pixelsPerPoint) const;
 
  private:
   struct Scale {
@@ -63,8 +64,9 @@ class LockScreenScenery {
   };
 
   void paintBack(QImage& target, const SequenceDocument& document, double pixelsPerPoint) const;
-  void paintOrb(QImage& target, const PlacedSymbol& orb, double pixelsPerPoint) const;
+  void paintOrb(QImage& target, const PlacedSymbol& orb, Behind behind, double pixelsPerPoint) const;
 
+  Rendering rendering_ = Rendering::Live;
   WallpaperSource wallpaperSource_;
   LockScreenLayout layout_;
   Kept<Scale, Glass> glass_;

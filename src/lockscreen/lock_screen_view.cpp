@@ -123,7 +123,7 @@ QImage LockScreenCache::paintedCards(const QList<DrawnCard>& cards, double pixel
     lowest = std::max(lowest, card.top + card.content.height());
   }
   if (lowest > scenery_.layout().torchOrb.rect.top() * pixelsPerPoint)
-    scenery_.paintFront(image, pixelsPerPoint);
+    scenery_.paintFront(image, LockScreenScenery::Behind::Cards, pixelsPerPoint);
   if (rendering == Rendering::Live) cutCorners(image, pixelsPerPoint);
   return image;
 }

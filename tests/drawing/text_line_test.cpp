@@ -176,6 +176,12 @@ TEST(TextLine, emojiComeInColourAndFadeAsTheTextDoes) {
   EXPECT_FALSE(isColourful(drawn(TextLine(u"1 ♥ ©️"_s, title))));
 }
 
+TEST(TextLine, symbolsThatAreTextAreAsWhiteAsText) {
+  for (const QString& symbol : {u"\u2709"_s, u"\u2708"_s, u"\u2714"_s, u"\u260e"_s, u"\u263a\ufe0e"_s})
+    EXPECT_FALSE(isColourful(drawn(TextLine(symbol, title)))) << qUtf8Printable(symbol);
+  EXPECT_TRUE(isColourful(drawn(TextLine(u"\u2709\ufe0f"_s, title))));
+}
+
 TEST(TextLine, sequencesOfEmojiAreOneGlyphWide) {
   const double one = TextLine(u"🔥"_s, title).width();
   const QString all = QStringLiteral(
