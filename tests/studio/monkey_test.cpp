@@ -60,8 +60,8 @@ class Monkey {
     while (!end.hasExpired() && !testing::Test::HasFailure()) step();
     for (const auto& each : exports_) each->promise.finish();
     for (StudioWindow* each : windows()) {
-      const auto travel = [each](void (StudioView::*step)()) {
-        for (int i = 0; i < 300; ++i) (each->view().*step)();
+      const auto travel = [each](void (StudioView::*way)()) {
+        for (int i = 0; i < 300; ++i) (each->view().*way)();
         return each->view().document();
       };
       const SequenceDocument last = travel(&StudioView::redo);
