@@ -235,7 +235,9 @@ bool StudioWindow::takePhoto(const QMimeData& carried) {
 
 void StudioWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (alert_->isOpen() || !isPhoto(*event->mimeData())) return;
-  event->acceptProposedAction();
+  // Not moved, which would have the other program delete it.
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
   stage_->setNote(u"Drop the photo to use it here"_s);
 }
 
@@ -245,7 +247,9 @@ void StudioWindow::dragLeaveEvent(QDragLeaveEvent*) {
 
 void StudioWindow::dropEvent(QDropEvent* event) {
   stage_->setNote({});
-  if (takePhoto(*event->mimeData())) event->acceptProposedAction();
+  if (!takePhoto(*event->mimeData())) return;
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
 }
 
 void StudioWindow::showState() {

@@ -225,13 +225,14 @@ class Monkey {
     QMimeData carried;
     const bool isPhoto = oneIn(2);
     carried.setUrls({QUrl::fromLocalFile(isPhoto ? "/a/b.png" : "/a/b.txt")});
-    QDragEnterEvent enter({600, 400}, Qt::CopyAction, &carried, {}, {});
+    QDragEnterEvent enter({600, 400}, Qt::CopyAction | Qt::MoveAction, &carried, {}, {});
     enter.ignore();
     QApplication::sendEvent(window, &enter);
     EXPECT_EQ(enter.isAccepted(), isPhoto && !window->findChild<Alert*>()->isOpen());
     if (!enter.isAccepted()) return {};
-    QDropEvent dropped(QPointF(600, 400), Qt::CopyAction, &carried, {}, {});
+    QDropEvent dropped(QPointF(600, 400), Qt::CopyAction | Qt::MoveAction, &carried, {}, {});
     QApplication::sendEvent(window, &dropped);
+    EXPECT_EQ(dropped.dropAction(), Qt::CopyAction) << "Nobody's photo is moved away.";
     return say("photo", "drop");
   }
   QString click(StudioWindow* window) {
