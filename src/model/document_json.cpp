@@ -175,7 +175,8 @@ class DocumentReader final : public nlohmann::json_sax<Json> {
       if (document_.notifications.size() == maxDocumentPings)
         throw Error(u"\"notifications\" holds more than %1 pings"_s.arg(maxDocumentPings));
       ping_ = defaultPing();
-      id_ = title_ = {};
+      id_.reset();
+      title_.reset();
     }
     return true;
   }
