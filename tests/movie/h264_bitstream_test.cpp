@@ -1,11 +1,8 @@
 #include "movie/h264_bitstream.h"
 
-#include "movie/h264_encoder.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
-#include <span>
 
 namespace brisklet {
 namespace {
@@ -48,34 +45,6 @@ TEST(H264Bitstream, aSliceMovesToAnotherPlace) {
   EXPECT_EQ(withFrameNum(atZero, sequence, 0xffff), atOnes) << "and no longer needed";
   EXPECT_EQ(withFrameNum(atZero, sequence, 2), atTwo);
   EXPECT_EQ(withFrameNum(atTwo, sequence, 2), atTwo);
-}
-
-TEST(H264Bitstream, whatCannotBeMovedIsRefused) {
-  const SequenceParameters sequence{.log2MaxFrameNum = 4, .pictureOrderCountType = 2, .framesOnly = true};
-  const Bytes good = {0x61, 0b10011010, 0x00, 0x80};
-  EXPECT_TRUE(withFrameNum(good, sequence, 1));
-  const std::vector<std::pair<const char*, Bytes>> cases = {
-      {"nothing", {}},
-      {"no header", {0x61}},
-      {"cut within the counter", {0x61, 0b10011010}},
-      {"a key frame", {0x65, 0b10011010, 0x00, 0x80}},
-      {"no reference", {0x01, 0b10011010, 0x00, 0x80}},
-      {"an intra slice", {0x61, 0b10001000, 0b10000000, 0x80}},
-      {"a parameter set", {0x67, 0b10011010, 0x00, 0x80}}};
-  for (const auto& [what, unit] : cases) EXPECT_FALSE(withFrameNum(unit, sequence, 1)) << what;
-}
-
-TEST(H264Bitstream, theEncodersParametersAreRead) {
-  for (const auto& [width, height] : {std::pair(1170, 2532), std::pair(64, 48)}) {
-    const H264Encoder encoder({width, height, 30});
-    const auto sequence = readSequenceParameters(encoder.sequenceParameters());
-    ASSERT_TRUE(sequence);
-    EXPECT_EQ(sequence->pictureOrderCountType, 2);
-    EXPECT_TRUE(sequence->framesOnly);
-    EXPECT_GE(sequence->log2MaxFrameNum, 4);
-    EXPECT_FALSE(readSequenceParameters(encoder.pictureParameters()));
-    EXPECT_FALSE(readSequenceParameters(std::span(encoder.sequenceParameters()).first(6)));
-  }
 }
 
 }  // namespace

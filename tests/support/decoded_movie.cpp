@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdio>
 #include <map>
-#include <set>
 #include <stdexcept>
 
 namespace brisklet {
@@ -33,10 +32,10 @@ QByteArray outputOf(const QString& program, const QStringList& arguments) {
   return bytes;
 }
 
-QByteArray decoded(const QString& path, const QStringList& before, const QStringList& after) {
+QByteArray decoded(const QString& path, const QStringList& after) {
   static const QStringList strictly{"-xerror", "-err_detect",
                                     "crccheck+bitstream+buffer+explode+careful+compliant+aggressive"};
-  return outputOf("ffmpeg", strictly + before + QStringList{"-i", path} + after + QStringList{"-"});
+  return outputOf("ffmpeg", strictly + QStringList{"-i", path} + after + QStringList{"-"});
 }
 
 /// Pictures of this size, one after the other.
@@ -69,22 +68,16 @@ void readBoxes(DecodedMovie& movie, const QByteArray& bytes) {
 }
 
 /// The times, places and kinds of the samples.
-void readPackets(DecodedMovie& movie, const QJsonArray& packets, const QByteArray& bytes) {
+void readPackets(DecodedMovie& movie, const QJsonArray& packets) {
   std::map<qint64, std::pair<QString, double>> places;
-  std::set<int> nalTypes;
   for (const QJsonValue& packet : packets) {
     const double time = packet["pts_time"].toString().toDouble();
-    const qint64 at = packet["pos"].toString().toLongLong(),
-                 end = at + packet["size"].toString().toLongLong();
-    places[at] = {packet["codec_type"].toString(), time};
+    places[packet["pos"].toString().toLongLong()] = {packet["codec_type"].toString(), time};
     if (packet["codec_type"] != "video") continue;
     const auto frame = std::lround(time * 30);
     movie.frames.push_back({std::abs(time * 30 - static_cast<double>(frame)) < 1e-3 ? frame : -1,
                             packet["flags"].toString().startsWith('K'), 0});
-    for (qint64 nal = at; nal < end; nal += 4 + qFromBigEndian<quint32>(bytes.constData() + nal))
-      nalTypes.insert(bytes.at(nal + 4) & 31);
   }
-  movie.nalTypes.assign(nalTypes.begin(), nalTypes.end());
   std::map<QString, double> reached;
   for (const auto& [place, sample] : places) {
     reached[sample.first] = sample.second;
@@ -123,7 +116,7 @@ std::vector<qint64> DecodedMovie::changes() const {
   return changed;
 }
 
-DecodedMovie decodedMovie(const QString& path, int decoderThreads) {
+DecodedMovie decodedMovie(const QString& path) {
   const QJsonObject probed =
       QJsonDocument::fromJson(outputOf("ffprobe", {"-show_streams", "-show_packets", "-of", "json", path}))
           .object();
@@ -153,16 +146,15 @@ DecodedMovie decodedMovie(const QString& path, int decoderThreads) {
     if (said("start_time").toDouble() != 0) throw std::runtime_error("the sound does not start at 0");
     // The last packet is filled up with silence; the track ends before.
     const auto samples = std::lround(said("duration").toDouble() * movie.sampleRate);
-    const QByteArray sound = decoded(path, {}, {"-map", "0:a", "-f", "f32le"});
+    const QByteArray sound = decoded(path, {"-map", "0:a", "-f", "f32le"});
     const auto count = static_cast<qsizetype>(movie.channels.size());
     for (qsizetype i = 0; i < std::min<qsizetype>(samples * count, sound.size() / 4); ++i)
       movie.channels[static_cast<std::size_t>(i % count)].push_back(
           qFromLittleEndian<float>(sound.constData() + 4 * i));
   }
-  readPackets(movie, probed["packets"].toArray(), bytes);
+  readPackets(movie, probed["packets"].toArray());
 
-  const QByteArray yuv = decoded(path, {"-threads", QString::number(decoderThreads)},
-                                 {"-map", "0:v", "-fps_mode", "passthrough", "-f", "rawvideo"});
+  const QByteArray yuv = decoded(path, {"-map", "0:v", "-fps_mode", "passthrough", "-f", "rawvideo"});
   const QList<DecodedPicture> pictures = picturesIn(yuv, {movie.width, movie.height});
   if (pictures.size() != std::ssize(movie.frames)) throw std::runtime_error("frames are lost");
   for (qsizetype i = 0; i < pictures.size(); ++i) {
@@ -171,13 +163,6 @@ DecodedMovie decodedMovie(const QString& path, int decoderThreads) {
     movie.frames[static_cast<std::size_t>(i)].picture = movie.pictures.size() - 1;
   }
   return movie;
-}
-
-DecodedPicture pictureAfterSeek(const QString& path, const QSize& size, double seconds) {
-  // The first picture from there on, whose time is rounded.
-  const QByteArray yuv = decoded(path, {"-ss", QString::number(std::max(0.0, seconds - 0.001))},
-                                 {"-frames:v", "1", "-f", "rawvideo"});
-  return picturesIn(yuv, size).first();
 }
 
 double lumaPsnr(const DecodedPicture& decoded, const QImage& painted) {

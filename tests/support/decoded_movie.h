@@ -46,8 +46,6 @@ struct DecodedMovie {
   std::vector<int> containerColour;
   int sequenceParameterSets = 0;
   int pictureParameterSets = 0;
-  /// The NAL unit types that occur in the samples, in ascending order.
-  std::vector<int> nalTypes;
 
   bool hasAudio = false;
   QString audioCodec;  // "aac"
@@ -68,10 +66,7 @@ struct DecodedMovie {
 };
 
 /// Throws `std::runtime_error` for anything that they object to.
-[[nodiscard]] DecodedMovie decodedMovie(const QString& path, int decoderThreads = 1);
-
-/// The picture that a player shows first after seeking to a time.
-[[nodiscard]] DecodedPicture pictureAfterSeek(const QString& path, const QSize& size, double seconds);
+[[nodiscard]] DecodedMovie decodedMovie(const QString& path);
 
 /// The peak signal-to-noise ratio of the luma, in dB, against the picture that was painted; 100 if equal.
 [[nodiscard]] double lumaPsnr(const DecodedPicture& decoded, const QImage& painted);
