@@ -220,7 +220,7 @@ void StudioWindow::paste() {
 
 bool StudioWindow::isPhoto(const QMimeData& carried) const {
   const QList<QUrl> urls = carried.urls();
-  if (urls.isEmpty()) return carried.hasImage();
+  if (urls.isEmpty()) return carried.hasImage() && !carried.hasText();
   return urls.size() == 1 && urls.first().isLocalFile() && view_->isOffered(urls.first().toLocalFile());
 }
 

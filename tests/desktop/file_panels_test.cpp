@@ -22,18 +22,15 @@ struct FilePanelsTest : testing::Test {
   FilePanels::Done remember() {
     return [this](const std::optional<QString>& path) { answers.append(path.value_or(u"nothing"_s)); };
   }
-  FilePanels::SaveDone rememberFile() {
-    return [this](const std::optional<ChosenFile>& file) {
-      answers.append(file ? file->path : u"nothing"_s);
-      kind = file ? file->kind : -1;
-    };
-  }
   void save() {
     panels->save({.title = u"Export"_s,
                   .proposedName = u"launch.mp4"_s,
                   .kinds = {u"MPEG-4 movie"_s, u"MPEG-4 movie, moving"_s},
                   .suffix = u"mp4"_s},
-                 rememberFile());
+                 [this](const std::optional<ChosenFile>& file) {
+                   answers.append(file ? file->path : u"nothing"_s);
+                   kind = file ? file->kind : -1;
+                 });
   }
   template <typename Dialog>
   Dialog* shown() {
@@ -74,6 +71,11 @@ struct FilePanelsTest : testing::Test {
   std::unique_ptr<FilePanels> panels = makeFilePanels(&window);
   QStringList answers;
   qsizetype kind = -1;
+  std::atomic<int> previewed = 0;
+  std::function<QImage(const QString&)> preview = [this](const QString& path) {
+    previewed += path.endsWith(u".JPG") ? 1 : 100;
+    return QImage();
+  };
 };
 
 TEST_F(FilePanelsTest, theSavePanelProposesANameAndCompletesTheChosenOne) {
@@ -114,14 +116,20 @@ TEST_F(FilePanelsTest, aFileIsReplacedOnlyWhenTheUserAgrees) {
   EXPECT_EQ(answers.last(), folder.filePath(u"c.v2.mp4"_s));
 }
 
-TEST_F(FilePanelsTest, theOpenPanelTakesOneFileOfTheOfferedKinds) {
-  makeFile(u"photo.JPG"_s);
-  panels->open({.title = u"Choose"_s, .kind = u"Photos"_s, .suffixes = {u"jpg"_s, u"heic"_s}}, remember());
+TEST_F(FilePanelsTest, theOpenPanelShowsPreviewsOfTheOfferedKinds) {
+  for (const QString& name : {u"photo.JPG"_s, u"other.txt"_s}) makeFile(name);
+  panels->open(
+      {.title = u"Choose"_s, .kind = u"Photos"_s, .suffixes = {u"jpg"_s, u"heic"_s}, .preview = preview},
+      remember());
   auto* dialog = shown<QFileDialog>();
   ASSERT_TRUE(dialog);
   EXPECT_EQ(dialog->nameFilters(), (QStringList{u"Photos (*.jpg *.JPG *.heic *.HEIC)"_s}));
+  dialog->setDirectory(folder.path());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return previewed == 1; }));
   saveAs(u"photo.JPG"_s);
   EXPECT_EQ(answers, (QStringList{folder.filePath(u"photo.JPG"_s)}));
+  panels->open({.title = u"Choose"_s, .kind = u"Photos"_s, .suffixes = {u"jpg"_s}}, remember());
+  EXPECT_EQ(shown<QFileDialog>()->directory(), QDir(folder.path())) << "where it was last";
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -114,22 +115,26 @@ void StudioView::change(Edit edit, const QString& typedInto) {
 
 void StudioView::remember(const State& former, const QString& typedInto) {
   const double nowMs = services_.clock();
-  const bool goesOn = !typedInto.isEmpty() && typedInto == typedInto_ && nowMs - typedAtMs_ < pauseMs;
+  const bool goesOn = !typedInto.isEmpty() && typedInto == typedInto_;
+  if (!goesOn) typedFrom_ = past_.size();
+  if (!goesOn || nowMs - typedAtMs_ >= pauseMs) past_.append(former);
   typedInto_ = typedInto;
   typedAtMs_ = nowMs;
   future_.clear();
-  if (!goesOn) {
-    past_.append(former);
-  } else if (past_.last().document == state_.document) {
-    // All that was typed has been taken back.
-    past_.removeLast();
-    endTyping();
+  // What is taken back while it is typed, by the field's own undo say, is no change any more.
+  const auto same = std::find_if(past_.cbegin() + typedFrom_, past_.cend(),
+                                 [this](const State& state) { return state.document == state_.document; });
+  if (same != past_.cend()) {
+    past_.erase(same, past_.cend());
+    typedAtMs_ = -std::numeric_limits<double>::infinity();
   }
   qsizetype pings = 0;
   const auto oldest = std::find_if(past_.crbegin(), past_.crend(), [&pings](const State& state) {
     return (pings += state.document.notifications.size()) > mostPingsKept;
   });
-  past_.remove(0, std::max(past_.crend() - oldest, past_.size() - mostChanges));
+  const qsizetype forgotten = std::max({qsizetype{0}, past_.crend() - oldest, past_.size() - mostChanges});
+  past_.remove(0, forgotten);
+  typedFrom_ = std::max<qsizetype>(0, typedFrom_ - forgotten);
 }
 
 void StudioView::travel(QList<State>& from, QList<State>& to) {
@@ -476,7 +481,9 @@ void StudioView::pickCustomWallpaper() {
   if (panelOpen_ || !services_.panels) return;
   panelOpen_ = true;
   const OpenPanel panel{
-      .title = u"Choose a lock screen photo"_s, .kind = u"Photos"_s, .suffixes = services_.imageSuffixes,
+      .title = u"Choose a lock screen photo"_s,
+      .kind = u"Photos"_s,
+      .suffixes = services_.imageSuffixes,
       .preview = [decode = services_.decodeImage](const QString& path) {
         const std::optional<QImage> photo = decode(path);
         return photo ? photo->scaled(previewSize, Qt::KeepAspectRatio, Qt::SmoothTransformation) : QImage();

@@ -213,7 +213,9 @@ class StudioView : public QObject {
   State state_;
   /// Oldest first.
   QList<State> past_, future_;
+  /// The field that is being typed into, and where its changes begin.
   QString typedInto_;
+  qsizetype typedFrom_ = 0;
   double typedAtMs_ = 0;
   SequencePlayer* player_ = nullptr;
   QStringList visibleIds_;
