@@ -198,17 +198,6 @@ TEST_F(ImageDecoder, textsInAPngAreNeverInflated) {
             before.ru_utime.tv_sec * 1000 + before.ru_utime.tv_usec / 1000 + 50);
 }
 
-TEST_F(ImageDecoder, otherContentAndOtherThingsThanFilesAreUnreadable) {
-  for (const char* content : {"", "hello", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>",
-                              "P3 1 1 255 1 1 1", "GIF89a", "BM"})
-    EXPECT_FALSE(decoded(content)) << content;
-  const QString pipe = folder_.filePath("pipe.png");
-  ASSERT_EQ(mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
-  for (const QString& path :
-       {pipe, folder_.path(), u"/dev/zero"_s, folder_.filePath("missing.png"), QString()})
-    EXPECT_FALSE(decodeImageFile(path)) << path.toStdString();
-}
-
 TEST_F(ImageDecoder, coloursOfAnotherColourSpaceBecomeSrgb) {
   QImage image(8, 8, QImage::Format_RGB32);
   image.fill(QColor(200, 100, 50));

@@ -85,24 +85,9 @@ TEST(TextLine, aColonBetweenDigitsStandsInTheirMiddle) {
   EXPECT_GT(middle("1: 1", digit, digit + 12), middle("1:1", digit, digit + 12) + 3);
 }
 
-TEST(TextLine, sizesAreExactToFractionsOfAPoint) {
-  const QString text = u"The quick brown fox"_s;
-  const double at16 = TextLine(text, {16, FontWeight::Bold}).width();
-  EXPECT_NEAR(TextLine(text, {15.96, FontWeight::Bold}).width(), at16 * 15.96 / 16, 0.05);
-  EXPECT_NEAR(lineAscent({15.96, FontWeight::Bold}), 0.96875 * 15.96, 0.01);
-}
-
 TEST(TextLine, trackingIsBetweenCharactersAndNotAfterTheLast) {
   const TextStyle plain{96, FontWeight::Semibold}, tight{96, FontWeight::Semibold, -3};
   EXPECT_NEAR(TextLine("9:41", plain).width() - TextLine("9:41", tight).width(), 3 * 3, 0.1);
-}
-
-TEST(TextLine, fitsItsOwnNaturalWidth) {
-  for (const char* text :
-       {"Payment received", "שלום עולם", "日本語のテキスト", "👨‍👩‍👧‍👦🔥"}) {
-    const QString shown = QString::fromUtf8(text);
-    EXPECT_FALSE(TextLine(shown, title, TextLine(shown, title).width()).isElided()) << text;
-  }
 }
 
 TEST(TextLine, whatDoesNotFitIsCutWithinTheWidth) {
@@ -197,11 +182,6 @@ TEST(TextLine, hanCharactersBesideKanaHaveJapaneseForms) {
   };
   EXPECT_NE(first("直です"), first("直中国"));
   EXPECT_EQ(first("直接的"), first("直中国"));
-}
-
-TEST(TextLine, theLineIsAsHighForEveryScript) {
-  EXPECT_DOUBLE_EQ(TextLine(u"ที่นี่ 日本語 😂"_s, title).height(), TextLine("Hello", title).height());
-  EXPECT_DOUBLE_EQ(TextLine("", title).ascent(), lineAscent(title));
 }
 
 TEST(TextBlock, breaksBetweenWordsAndElseAnywhereAndCentresEachLine) {

@@ -80,15 +80,5 @@ TEST(AppGlyph, picturesCoverTheTileAndOneStandsOnBlack) {
   EXPECT_FALSE(markBox(standing).isEmpty());
 }
 
-TEST(AppGlyph, cornerOfHalfTheSizeMakesACircle) {
-  const QImage tile = tileOf(appPing(u"notes"_s, {}, {}, u"#ffffff"_s), 38, 19);
-  const auto alphaAt = [&tile](int degrees, double radius) {
-    const double x = std::cos(degrees * M_PI / 180), y = std::sin(degrees * M_PI / 180);
-    return qAlpha(tile.pixel(int(57 + radius * x), int(57 + radius * y)));
-  };
-  for (int degrees = 0; degrees < 360; degrees += 15) EXPECT_EQ(alphaAt(degrees, 55), 255) << degrees;
-  for (int degrees = 45; degrees < 360; degrees += 90) EXPECT_EQ(alphaAt(degrees, 60), 0) << degrees;
-}
-
 }  // namespace
 }  // namespace brisklet

@@ -56,20 +56,6 @@ TEST(LockScreenLayout, clockStacksDateAndTimeAtTheirLineHeights) {
   EXPECT_EQ(layoutOf({}, 0, {}).clockBlock, layout.clockBlock);
 }
 
-TEST(LockScreenLayout, wideTimeWrapsAndTakesItsRoomFromTheCards) {
-  const LockScreenLayout narrow = layoutOf(u"9:41"_s, 0), wide = layoutOf(u"half past nine"_s, 0);
-  const double added = wide.time.height() - narrow.time.height();
-  EXPECT_GT(added, narrow.time.height() * 0.9);
-  EXPECT_LE(wide.time.width(), 390);
-  EXPECT_NEAR(narrow.cardArea.height() - wide.cardArea.height(), added, 1e-9);
-  EXPECT_EQ(wide.torchOrb, narrow.torchOrb);
-
-  const LockScreenLayout endless = layoutOf(QString(1 << 20, u'8'), 3);
-  EXPECT_EQ(endless.cardArea.height(), 0);
-  EXPECT_TRUE(endless.cards.isEmpty());
-  EXPECT_GE(endless.torchOrb.rect.top(), endless.clockBlock.bottom());
-}
-
 TEST(LockScreenLayout, cardsRunOnBelowTheirAreaAndEndWithTheCanvas) {
   const LockScreenLayout layout = layoutOf({}, 1'000'000);
   EXPECT_GT(layout.cards.last().bottom(), layout.cardArea.bottom());

@@ -85,22 +85,6 @@ TEST(CaptureFrame, theTimeStandsInTheMiddleByItsInk) {
   }
 }
 
-TEST(CaptureFrame, takesAnyText) {
-  SequenceDocument document = documentWith(0);
-  document.maxVisible = 2;
-  const QString lone(QChar(0xD83D)), nul(1, QChar(0)), huge(1 << 20, u'm');
-  const QString emoji = u"👩‍👩‍👧‍👦🏳️‍🌈🇩🇪"_s;
-  const QString mixed = u"שלום abc مرحبا 123 สวัสดี नमस्ते 日本語 e\u0301\u0301\u0301\u0301"_s;
-  for (const QString& text : {lone, nul, huge, emoji, mixed, QString(), u"\n\n\r\n"_s, u"\u202e\u2066x"_s}) {
-    for (const QString& id : {u"custom"_s, text}) {
-      document.notifications.append({id, id, text, text, text, text, text, 0, {}});
-      document.dateLabel = document.timeLabel = document.wallpaperUrl = text;
-      document.wallpaper = id;
-      EXPECT_EQ(captured(document).size(), QSize(1170, 2532));
-    }
-  }
-}
-
 TEST(LockScreenView, paintsAtThePaintersPlaceAndScale) {
   const SequenceDocument document = documentWith(2);
   SequencePlayer player(document);

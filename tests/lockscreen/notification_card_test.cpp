@@ -44,12 +44,6 @@ TEST(NotificationCard, longTitleLeavesTheTimeItsSpace) {
   EXPECT_GT(inkOf(image, {62, 20, gap - 62, 18}).right(), gap - 40);
 }
 
-TEST(NotificationCard, messageOfSeveralLinesShowsItsFirst) {
-  const auto message = [](const QString& text) { return contentOf(pingOf(u"cashapp"_s, u"A"_s, text)); };
-  EXPECT_EQ(message(u"one\ntwo"_s), message(u"one\nthree\nfour"_s));
-  EXPECT_NE(message(u"one\ntwo"_s), message(u"one"_s)) << "an ellipsis says that there is more";
-}
-
 TEST(NotificationCard, contentIsDrawnAnewOnlyWhenItDiffers) {
   CardContentCache cache;
   AppGlyphCache glyphs;
@@ -59,13 +53,6 @@ TEST(NotificationCard, contentIsDrawnAnewOnlyWhenItDiffers) {
   const qint64 now = keyAt(0);
   EXPECT_EQ(keyAt(1000), now);
   EXPECT_NE(keyAt(180000), now);
-}
-
-TEST(NotificationCard, emptyTextsLeaveTheGlyphAndTheTime) {
-  const QImage image = contentOf(pingOf(u"cashapp"_s, {}, {}));
-  EXPECT_NEAR(inkOf(image, {0, 0, 60, 76}).left(), 14, 0.5);
-  EXPECT_TRUE(inkOf(image, {54, 39, 300, 37}).isEmpty());
-  EXPECT_NEAR(inkOf(image, {200, 0, 154, 76}).right(), 340, 2);
 }
 
 TEST(NotificationCard, titleAndTimeHaveTheirColours) {

@@ -84,25 +84,6 @@ TEST_F(HeldPictureEncoderTest, theCounterOfFramesNeverSkipsAndStartsOverAtKeyFra
   }
 }
 
-TEST_F(HeldPictureEncoderTest, onlyWhatChangedCosts) {
-  const auto before = noise(1);
-  std::mt19937 random(1);
-  std::vector<uint32_t> pixels(width * height);
-  for (uint32_t& pixel : pixels) pixel = 0xff000000 | (static_cast<uint32_t>(random()) & 0xffffff);
-  for (size_t row = 32; row < 48; ++row)
-    std::fill_n(pixels.begin() + static_cast<ptrdiff_t>(row * width + 16), 32, 0xff204060);
-  auto after = std::make_shared<YuvPicture>(width, height);
-  after->setFromRgb(pixels.data(), width);
-
-  const std::vector<uint8_t> unchanged = equalMacroblocks(*before, *after);
-  EXPECT_EQ(std::count(unchanged.begin(), unchanged.end(), 0), 3)
-      << "the chroma of the block to the right is touched too";
-  HeldPictureEncoder held = encoder(RepeatCoding::Reuse);
-  held.show(before, {});
-  held.show(after, unchanged);
-  EXPECT_LT(units[1].bytes.size() * 10, units[0].bytes.size());
-}
-
 TEST_F(HeldPictureEncoderTest, aStormOfPicturesKeepsToTheRateAndThePictureThatStaysIsMadeGood) {
   constexpr int rate = 1000000;
   HeldPictureEncoder held = encoder(RepeatCoding::Reuse, rate);
