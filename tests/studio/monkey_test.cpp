@@ -21,6 +21,7 @@
 #include <QPromise>
 #include <QTest>
 #include <QThreadPool>
+#include <atomic>
 #include <QWheelEvent>
 #include <iostream>
 #include <memory>
@@ -98,14 +99,14 @@ class Monkey {
     StudioView::Services services;
     services.exportMovie = [this](SequenceDocument, MovieStyle, QString, StudioView::Progress progress,
                                   std::stop_token stop) { return runExport(progress, stop); };
-    // These two on another thread, while this one waits.
+    // These two on another thread.
     services.decodeImage = [this](const QString&) {
-      return oneIn(3) ? std::nullopt : std::optional(QImage(2, 2, QImage::Format_RGB32));
+      return ++photos_ % 3 == 0 ? std::nullopt : std::optional(QImage(2, 2, QImage::Format_RGB32));
     };
     services.imageSuffixes = QStringList{"png"};
     services.saveWallpaper = [this](const QImage&) -> QString {
-      if (oneIn(3)) throw Error("The disk is full.");
-      return QString("/a/photo%1.jpg").arg(below(3));
+      if (++photos_ % 3 == 0) throw Error("The disk is full.");
+      return QString("/a/photo%1.jpg").arg(photos_ % 5);
     };
     services.clock = [this] { return nowMs_; };
     return services;
@@ -443,6 +444,7 @@ class Monkey {
 
   std::mt19937 random_;
   double nowMs_ = 0;
+  std::atomic<int> photos_ = 0;
   QList<std::shared_ptr<Export>> exports_;
   BriskletApp app_{services(), [](QWidget* window) { return std::make_unique<DialogPanels>(window); }};
   QWidget other_;
