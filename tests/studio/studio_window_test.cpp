@@ -60,7 +60,10 @@ struct StudioWindowTest : testing::Test {
     window->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window));
   }
-  ~StudioWindowTest() override { delete window; }
+  ~StudioWindowTest() override {
+    delete window;
+    QTest::qWait(5);  // until an export has stopped
+  }
 
   QCoro::Task<> runExport(StudioView::Progress progress, std::stop_token stop) {
     progress(42, 100);
