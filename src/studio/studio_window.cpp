@@ -183,15 +183,16 @@ void StudioWindow::addShortcuts() {
     }
   };
   command({Qt::CTRL | Qt::Key_Return, Qt::CTRL | Qt::Key_Enter}, false, [this] { addPing(); });
-  command({Qt::CTRL | Qt::Key_D}, false, [this] { view_->duplicatePing(currentPingId()); });
+  const auto selected = [this] { return view_->selectedPingId().value_or(rowInFocus()); };
+  command({Qt::CTRL | Qt::Key_D}, false, [=, this] { view_->duplicatePing(selected()); });
   command({Qt::CTRL | Qt::Key_P}, false, [this] { view_->play(); });
   command({Qt::CTRL | Qt::Key_E}, false, [this] { view_->exportMovie(); });
   command({Qt::Key_F1}, false, [this] { alert_->open(keysSheet()); });
   const auto nudge = [&](Qt::Modifiers modifiers, double ms) {
     command({modifiers | Qt::Key_Left, modifiers | Qt::Key_Up}, true,
-            [this, ms] { view_->nudgePing(currentPingId(), -ms); });
+            [=, this] { view_->nudgePing(selected(), -ms); });
     command({modifiers | Qt::Key_Right, modifiers | Qt::Key_Down}, true,
-            [this, ms] { view_->nudgePing(currentPingId(), ms); });
+            [=, this] { view_->nudgePing(selected(), ms); });
   };
   nudge(Qt::ALT, 100);
   nudge(Qt::ALT | Qt::SHIFT, 10);
@@ -202,14 +203,14 @@ void StudioWindow::addPing() {
   inspector_->focusMessage(Qt::ShortcutFocusReason);
 }
 
-QString StudioWindow::currentPingId() const {
+QString StudioWindow::rowInFocus() const {
   const TimelineList* list = timeline_->list();
   if (list->hasFocus() && list->currentRow() >= 0) return list->ping(list->currentRow()).id;
   return view_->selectedPingId().value_or(QString());
 }
 
 void StudioWindow::copyPing() const {
-  const QByteArray scene = view_->copiedPing(currentPingId());
+  const QByteArray scene = view_->copiedPing(rowInFocus());
   if (!scene.isEmpty()) QGuiApplication::clipboard()->setText(QString::fromUtf8(scene));
 }
 
@@ -322,9 +323,9 @@ void StudioWindow::keyPressEvent(QKeyEvent* event) {
     copyPing();
   } else if (event->matches(QKeySequence::Cut) && isOnRow) {
     copyPing();
-    view_->removePing(currentPingId());
+    view_->removePing(rowInFocus());
   } else if (event->key() == Qt::Key_Delete && isOnRow && !event->isAutoRepeat()) {
-    view_->removePing(currentPingId());
+    view_->removePing(rowInFocus());
   } else if (event->key() == Qt::Key_Space && hasFocus()) {
     view_->play();
   } else if (event->key() == Qt::Key_Escape && view_->selectedPingId()) {

@@ -63,8 +63,8 @@ class StudioWindow : public QWidget {
   void askToStop();
   /// Adds a ping, and has the text of the next one typed.
   void addPing();
-  /// The ping that keys act on: the selected one, or that of the row in focus; empty when there is none.
-  [[nodiscard]] QString currentPingId() const;
+  /// The ping of the row in focus, or the selected one where no row has it; empty when there is none.
+  [[nodiscard]] QString rowInFocus() const;
   void copyPing() const;
   void paste();
   /// Uses the photo that is dropped or pasted, if it is one.
