@@ -21,8 +21,8 @@
 #include <QPromise>
 #include <QTest>
 #include <QThreadPool>
-#include <atomic>
 #include <QWheelEvent>
+#include <atomic>
 #include <iostream>
 #include <memory>
 #include <random>
@@ -415,8 +415,12 @@ class Monkey {
     EXPECT_EQ(named<StudioButton>(window, {"Export", "Exporting"})->isEnabled(), view.canExport());
     const auto* list = window->findChild<TimelineList*>();
     ASSERT_EQ(list->rowCount(), view.document().notifications.size());
-    for (qsizetype i = 0; i < list->rowCount(); ++i) {
+    for (qsizetype i = 0, top = 0; i < list->rowCount(); ++i) {
       EXPECT_EQ(list->ping(i), view.document().notifications[i]);
+      const QRect row = list->rowRect(i);
+      EXPECT_EQ(row.top(), top);
+      EXPECT_EQ(row.height(), TimelineRow(list->ping(i), list->width()).height());
+      top += row.height() + TimelineList::rowSpacing;
       EXPECT_EQ(list->isSelected(i), view.selectedIndex() == i);
     }
     const auto* alert = window->findChild<Alert*>();

@@ -304,33 +304,6 @@ TEST_F(StudioWindowTest, keysAndPointerWorkTheTimeline) {
   EXPECT_TRUE(isFocused(button("Add ping")));
 }
 
-TEST(TimelineListTest, rowsOfThousandsKeepTheirOrderAndHeights) {
-  QList<Ping> pings(2000);
-  for (qsizetype i = 0; i < 2000; ++i) pings[i].id = QString::number(i);
-  TimelineList list;
-  list.resize(252, 100);
-  list.show();
-  const auto expectGapless = [&] {
-    list.setPings(pings, {});
-    ASSERT_EQ(list.rowCount(), pings.size());
-    int top = 0;
-    for (qsizetype i = 0; i < pings.size(); ++i) {
-      ASSERT_EQ(list.ping(i).id, pings[i].id);
-      ASSERT_EQ(list.rowRect(i).top(), top);
-      top += list.rowRect(i).height() + TimelineList::rowSpacing;
-    }
-    EXPECT_EQ(list.height(), top - TimelineList::rowSpacing);
-  };
-  expectGapless();
-  const int height = list.rowRect(0).height();
-  pings[500].message = "a message that is long enough for a second line";
-  expectGapless();
-  EXPECT_EQ(list.rowRect(500).height(), height + 15);
-  pings.removeAt(0);
-  pings.swapItemsAt(3, 900);
-  expectGapless();
-}
-
 TEST(PictureChipTest, aPhotoIsMeasuredWhereTheClockIs) {
   const QTemporaryDir folder;
   QImage photo(390, 844, QImage::Format_RGB32);
