@@ -28,7 +28,7 @@ inline constexpr TextStyle timeStyle{13, FontWeight::Regular};
 inline constexpr TextStyle messageStyle{15, FontWeight::Regular};
 inline constexpr double timeOpacity = 0.7, messageOpacity = 0.94;
 /// How much of a bright plate's light the shade behind the time takes, whose letters are faint.
-inline constexpr float timeShade = 0.14F;
+inline constexpr float timeShade = 0.17F;
 
 }  // namespace CardMetrics
 
