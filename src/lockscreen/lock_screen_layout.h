@@ -22,7 +22,7 @@ inline constexpr double statusInset = 28, statusTop = 14;
 inline constexpr double statusTextSize = 16, statusSymbolSize = 14, statusSymbolSpacing = 6;
 
 inline constexpr double clockTop = 10;
-inline constexpr double dateSize = 22, dateOpacity = 0.96;
+inline constexpr double dateSize = 22, dateTracking = -0.35, dateOpacity = 0.96;
 inline constexpr double timeSize = 96, timeTracking = -3, timeOpacity = 0.9;
 
 inline constexpr double cardInset = 18, cardAreaTop = 22, cardSpacing = 10;
@@ -75,7 +75,8 @@ struct LockScreenLayout {
 namespace LockScreenStyles {
 
 inline constexpr TextStyle status{LockScreenMetrics::statusTextSize, FontWeight::Semibold};
-inline constexpr TextStyle date{LockScreenMetrics::dateSize, FontWeight::Semibold};
+inline constexpr TextStyle date{LockScreenMetrics::dateSize, FontWeight::Semibold,
+                                LockScreenMetrics::dateTracking};
 inline constexpr TextStyle time{LockScreenMetrics::timeSize, FontWeight::Semibold,
                                 LockScreenMetrics::timeTracking};
 

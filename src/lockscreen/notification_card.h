@@ -23,9 +23,10 @@ inline constexpr double lineSpacing = 1;
 /// The flexible space between title and time is at least this wide, and stands off from both.
 inline constexpr double leastSpace = 8, spacing = 8;
 
-inline constexpr TextStyle titleStyle{15, FontWeight::Semibold};
-inline constexpr TextStyle timeStyle{13, FontWeight::Regular};
-inline constexpr TextStyle messageStyle{15, FontWeight::Regular};
+// Tracking is optical: Inter without any looks airy beside what phones set.
+inline constexpr TextStyle titleStyle{15, FontWeight::Semibold, -0.15};
+inline constexpr TextStyle timeStyle{13, FontWeight::Regular, -0.1};
+inline constexpr TextStyle messageStyle{15, FontWeight::Regular, -0.15};
 inline constexpr double timeOpacity = 0.7, messageOpacity = 0.94;
 /// How much of a bright plate's light the shade behind the time takes, whose letters are faint.
 inline constexpr float timeShade = 0.17F;
