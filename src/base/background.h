@@ -25,7 +25,7 @@ void inBackground(QObject* context, Work work, Done done, int priority = 0) {
   watcher->setFuture(promise->future());
   QThreadPool::globalInstance()->start(
       [promise, work = std::move(work)] {
-    promise->addResult(work());
+        promise->addResult(work());
         promise->finish();
       },
       priority);

@@ -58,8 +58,8 @@ class DesktopFilePanels final : public QObject, public FilePanels {
   void save(const SavePanel& panel, SaveDone done) override {
     QStringList filters;
     for (const QString& kind : panel.kinds) filters.append(nameFilter(kind, {panel.suffix}));
-    QFileDialog* dialog = makeDialog(
-        panel.title, usedOr(saveFolder_, QStandardPaths::MoviesLocation), filters);
+    QFileDialog* dialog =
+        makeDialog(panel.title, usedOr(saveFolder_, QStandardPaths::MoviesLocation), filters);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setDefaultSuffix(panel.suffix);

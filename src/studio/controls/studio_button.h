@@ -19,7 +19,8 @@ class StudioButton : public StudioControl {
 
  public:
   /// Points.
-  static constexpr int buttonHeight = 32, wideHeight = 34, radius = 7, spacing = 6, flatMargin = 10, solidMargin = 12;
+  static constexpr int buttonHeight = 32, wideHeight = 34, radius = 7, spacing = 6, flatMargin = 10,
+                       solidMargin = 12;
 
   static constexpr TextStyle titleStyle{13, FontWeight::Medium};
 
