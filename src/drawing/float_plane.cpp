@@ -105,6 +105,41 @@ void PlaneEnlarger::row(const FloatPlane& plane, double cellY, std::span<float> 
   }
 }
 
+ColorPlanes colorsOf(const QImage& picture) {
+  ColorPlanes planes;
+  for (std::size_t channel = 0; channel < planes.size(); ++channel) {
+    planes[channel] = FloatPlane(picture.width(), picture.height());
+    for (int y = 0; y < picture.height(); ++y) {
+      const auto* line = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+      for (int x = 0; x < picture.width(); ++x)
+        planes[channel].row(y)[x] = static_cast<float>(line[x] >> (16 - 8 * channel) & 0xff) / 255;
+    }
+  }
+  return planes;
+}
+
+QImage enlarged(const ColorPlanes& planes, const QSize& pixels) {
+  QImage picture(pixels, QImage::Format_RGB32);
+  const PlaneEnlarger enlarger(planes[0].width, pixels.width(),
+                               static_cast<double>(planes[0].width) / pixels.width());
+  const double cellsPerPixelY = static_cast<double>(planes[0].height) / pixels.height();
+  std::array<std::vector<float>, 3> rows;
+  for (auto& row : rows) row.resize(static_cast<std::size_t>(pixels.width()));
+  for (int y = 0; y < pixels.height(); ++y) {
+    for (std::size_t channel = 0; channel < planes.size(); ++channel)
+      enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
+    auto* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
+    for (int x = 0; x < pixels.width(); ++x) {
+      const auto level = [&, dither = ditherAt(x, y)](std::size_t channel) {
+        return std::clamp(static_cast<int>(rows[channel][static_cast<std::size_t>(x)] * 255 + dither), 0,
+                          255);
+      };
+      line[x] = qRgb(level(0), level(1), level(2));
+    }
+  }
+  return picture;
+}
+
 float ditherAt(int x, int y) {
   // Bayer's 8 x 8 matrix: bits of x ^ y and y, interleaved from the lowest up.
   static const auto thresholds = [] {

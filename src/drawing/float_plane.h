@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QImage>
+#include <QSize>
+#include <array>
 #include <span>
 #include <vector>
 
@@ -49,6 +51,13 @@ class PlaneEnlarger {
   int planeWidth_;
   std::vector<Tap> taps_;
 };
+
+/// Red, green and blue, 0 to 1, of an opaque picture of 32 bits.
+using ColorPlanes = std::array<FloatPlane, 3>;
+[[nodiscard]] ColorPlanes colorsOf(const QImage& picture);
+
+/// The planes as a picture of this size, RGB32, enlarged by the spline and dithered.
+[[nodiscard]] QImage enlarged(const ColorPlanes& planes, const QSize& pixels);
 
 /// The dither threshold of a pixel, between 0 and 1: added before a value is cut to an integer, it turns the
 /// fraction into a fixed fine pattern.

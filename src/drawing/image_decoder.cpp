@@ -1,6 +1,7 @@
 #include "drawing/image_decoder.h"
 
 #include "drawing/exif_orientation.h"
+#include "drawing/float_plane.h"
 #include "drawing/pictures.h"
 
 #include <libheif/heif.h>
@@ -204,6 +205,24 @@ std::optional<QImage> decodedByHeif(const QByteArray& data) {
   return image;
 }
 
+/// Eight bits of each channel, dithered: a gradient of sixteen would come out in bands.
+QImage inEightBits(const QImage& image) {
+  const QImage deep = image.convertToFormat(QImage::Format_RGBA64);
+  QImage shallow(image.size(), QImage::Format_ARGB32);
+  for (int y = 0; y < deep.height(); ++y) {
+    const auto* from = reinterpret_cast<const QRgba64*>(deep.constScanLine(y));
+    auto* to = reinterpret_cast<QRgb*>(shallow.scanLine(y));
+    for (int x = 0; x < deep.width(); ++x) {
+      const auto level = [dither = ditherAt(x, y)](quint16 value) {
+        return static_cast<int>(static_cast<float>(value) / 257 + dither * 255 / 256);
+      };
+      to[x] = qRgba(level(from[x].red()), level(from[x].green()), level(from[x].blue()), from[x].alpha8());
+    }
+  }
+  if (!image.hasAlphaChannel()) shallow.convertTo(QImage::Format_RGB32);
+  return shallow;
+}
+
 /// The same pixels without what else a picture carries: texts, a resolution, a colour space.
 QImage pixelsOf(QImage image) {
   auto* owner = new QImage(std::move(image));
@@ -233,6 +252,7 @@ std::optional<QImage> decodeImageFile(const QString& path, Transparency transpar
   QImage image = *std::move(decoded);
 
   const QColorSpace colorSpace = image.colorSpace();
+  if (image.depth() == 64 || image.format() == QImage::Format_Grayscale16) image = inEightBits(image);
   image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
   if (colorSpace.isValid() && colorSpace != QColorSpace(QColorSpace::SRgb)) {
     image.setColorSpace(colorSpace);

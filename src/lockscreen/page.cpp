@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <vector>
 
 namespace brisklet {
 namespace {
@@ -47,43 +46,17 @@ QImage emptyPage(const QSize& size, const QImage& wallpaper, const PageLayout& l
   const double cell = std::max(1.0, std::min(size.width(), size.height()) / cellsOnShorterSide);
   const QSize cells(static_cast<int>(std::ceil(size.width() / cell)),
                     static_cast<int>(std::ceil(size.height() / cell)));
-  const QImage small = overBlack(photoFill(wallpaper, cells));
   const FloatPlane shadow = shadowOf(layout.phone, layout.pixelsPerPoint, cells, cell);
 
-  std::array<FloatPlane, 3> planes;
-  for (std::size_t channel = 0; channel < 3; ++channel) {
-    FloatPlane plane(cells.width(), cells.height());
-    for (int y = 0; y < cells.height(); ++y) {
-      const auto* line = reinterpret_cast<const QRgb*>(small.constScanLine(y));
-      for (int x = 0; x < cells.width(); ++x)
-        plane.row(y)[x] = static_cast<float>(line[x] >> (16 - 8 * channel) & 0xff);
-    }
-    planes[channel] = blurred(plane, blur * cellsOnShorterSide);
-  }
+  ColorPlanes planes = colorsOf(overBlack(photoFill(wallpaper, cells)));
+  for (FloatPlane& plane : planes) plane = blurred(plane, blur * cellsOnShorterSide);
   for (std::size_t i = 0; i < shadow.samples.size(); ++i) {
     const float luma =
         0.2126F * planes[0].samples[i] + 0.7152F * planes[1].samples[i] + 0.0722F * planes[2].samples[i];
     const float lit = light * (1 - shadowOpacity * shadow.samples[i]);
-    for (FloatPlane& plane : planes)
-      plane.samples[i] = std::clamp(lit * (luma + saturation * (plane.samples[i] - luma)), 0.0F, 254.0F);
+    for (FloatPlane& plane : planes) plane.samples[i] = lit * (luma + saturation * (plane.samples[i] - luma));
   }
-
-  QImage page(size, QImage::Format_RGB32);
-  const PlaneEnlarger enlarger(cells.width(), size.width(), 1 / cell);
-  std::array<std::vector<float>, 3> rows;
-  for (auto& row : rows) row.resize(static_cast<std::size_t>(size.width()));
-  for (int y = 0; y < size.height(); ++y) {
-    for (std::size_t channel = 0; channel < 3; ++channel)
-      enlarger.row(planes[channel], (y + 0.5) / cell, rows[channel]);
-    auto* line = reinterpret_cast<QRgb*>(page.scanLine(y));
-    for (int x = 0; x < size.width(); ++x) {
-      const auto level = [&, dither = ditherAt(x, y)](std::size_t channel) {
-        return static_cast<int>(std::max(0.0F, rows[channel][static_cast<std::size_t>(x)]) + dither);
-      };
-      line[x] = qRgb(level(0), level(1), level(2));
-    }
-  }
-  return page;
+  return enlarged(planes, size);
 }
 
 }  // namespace

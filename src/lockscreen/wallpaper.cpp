@@ -1,5 +1,6 @@
 #include "lockscreen/wallpaper.h"
 
+#include "drawing/float_plane.h"
 #include "drawing/image_decoder.h"
 #include "drawing/pictures.h"
 #include "lockscreen/bundle_image.h"
@@ -41,7 +42,11 @@ QImage photoFill(const QImage& photo, const QSize& pixels) {
   const QSize scaledSize(std::max(pixels.width(), qRound(source.width() * scale)),
                          std::max(pixels.height(), qRound(source.height() * scale)));
   const QImage cut = source == photo.rect() ? photo : photo.copy(source);
-  const QImage scaled = cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  // Enlarged further than this, Qt's linear steps would show as a grid of stars.
+  constexpr double finelyEnlarged = 1.5;
+  const QImage scaled = scale > finelyEnlarged && !cut.hasAlphaChannel()
+                            ? enlarged(colorsOf(cut.convertToFormat(QImage::Format_RGB32)), scaledSize)
+                            : cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   const int left =
       std::clamp(qRound((shown.left() - source.left()) * scale), 0, scaledSize.width() - pixels.width());
   const int top =
