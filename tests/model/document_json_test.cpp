@@ -12,6 +12,10 @@
 namespace brisklet {
 namespace {
 
+Ping defaultPing(const QString& id, const QString& title) {
+  return {id, "tiktok", "Notification", "\u2605", "#111111", title, "New notification", 0, {}};
+}
+
 QString decodingError(const QByteArray& json) {
   return errorOf([&json] { (void)decodeDocument(json); });
 }
@@ -25,15 +29,7 @@ TEST(DocumentJson, missingAndNullKeysTakeDefaults) {
   ASSERT_EQ(pings.size(), 2);
   EXPECT_FALSE(QUuid(pings[0].id).isNull());
   EXPECT_NE(pings[0].id, pings[1].id);
-  EXPECT_EQ(pings[0], (Ping{pings[0].id,
-                            "tiktok",
-                            "Notification",
-                            "\u2605",
-                            "#111111",
-                            "Notification",
-                            "New notification",
-                            0,
-                            {}}));
+  EXPECT_EQ(pings[0], defaultPing(pings[0].id, "Notification"));
   EXPECT_EQ(pings[1].title, "Acme");
   EXPECT_FALSE(pings[1].sound);
 }
@@ -115,15 +111,7 @@ TEST(DocumentJson, limitsHoldBeforeTheTextCostsMemory) {
                                                   QByteArray(400, '9') + "]}"))
                                 .notifications;
   ASSERT_EQ(pings.size(), 1);
-  EXPECT_EQ(pings.first(), (Ping{pings.first().id,
-                                 "tiktok",
-                                 "Notification",
-                                 "\u2605",
-                                 "#111111",
-                                 "Mom",
-                                 "New notification",
-                                 0,
-                                 {}}));
+  EXPECT_EQ(pings.first(), defaultPing(pings.first().id, "Mom"));
 }
 
 }  // namespace
