@@ -2,7 +2,6 @@
 
 #include "model/text.h"
 
-#include <QDate>
 #include <QLocale>
 #include <algorithm>
 
@@ -25,8 +24,8 @@ const SequenceDocument& SequenceDocument::blank() {
   return document;
 }
 
-QString SequenceDocument::iosDateLabel() {
-  return QLocale::c().toString(QDate::currentDate(), u"ddd MMM d"_s);
+QString SequenceDocument::iosDateLabel(QDate date) {
+  return QLocale::c().toString(date, u"ddd MMM d"_s);
 }
 
 double SequenceDocument::durationMs() const {

@@ -2,6 +2,7 @@
 
 #include "model/ping.h"
 
+#include <QDate>
 #include <QList>
 #include <QString>
 
@@ -28,8 +29,8 @@ struct SequenceDocument {
   /// The blank sequence, the same value all through a run: its date is that of the first use.
   [[nodiscard]] static const SequenceDocument& blank();
 
-  /// Today's date line in the local time zone, for example "Mon Nov 16".
-  [[nodiscard]] static QString iosDateLabel();
+  /// A day's date line, for example "Mon Nov 16"; today in the local time zone unless told.
+  [[nodiscard]] static QString iosDateLabel(QDate date = QDate::currentDate());
 
   /// The latest landing time and 1800 ms; 2400 ms without pings.
   [[nodiscard]] double durationMs() const;

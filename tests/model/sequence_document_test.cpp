@@ -7,7 +7,6 @@
 
 #include <QDate>
 #include <QLocale>
-#include <QRegularExpression>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -82,11 +81,9 @@ TEST(Ping, saysHowLongAgoItLanded) {
 
 TEST(SequenceDocument, theDateLineIsEnglishInEveryLocale) {
   QLocale::setDefault(QLocale(QLocale::German));
-  const QString label = SequenceDocument::iosDateLabel();
+  EXPECT_EQ(SequenceDocument::iosDateLabel(QDate(2026, 3, 8)), "Sun Mar 8");
+  EXPECT_EQ(SequenceDocument::iosDateLabel(), SequenceDocument::iosDateLabel(QDate::currentDate()));
   QLocale::setDefault(QLocale::c());
-  const QRegularExpression english("^(Mon|Tue|Wed|Thu|Fri|Sat|Sun) [A-Z][a-z]{2} " +
-                                   QString::number(QDate::currentDate().day()) + "$");
-  EXPECT_TRUE(english.match(label).hasMatch()) << label.toStdString();
 }
 
 }  // namespace
