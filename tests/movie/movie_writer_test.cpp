@@ -118,7 +118,7 @@ TEST_F(MovieWriterTest, theFileIsWhatPlayersExpect) {
 TEST_F(MovieWriterTest, everyFrameStandsAtItsTimeAndPicturesChangeWhenTheyAreAppended) {
   QList<QImage> frames;
   const std::vector<int> changesAt = {0, 1, 2, 40, 149, 150, 151, 170, 299, 320, 330};
-  for (int i = 0, picture = -1; i < 335; ++i) {
+  for (int i = 0, picture = -1; i < 700; ++i) {
     if (std::find(changesAt.begin(), changesAt.end(), i) != changesAt.end())
       frames.append(numbered(++picture));
     else
@@ -127,7 +127,7 @@ TEST_F(MovieWriterTest, everyFrameStandsAtItsTimeAndPicturesChangeWhenTheyAreApp
   for (const auto make : {makeMovieWriter, makeEveryFrameMovieWriter}) {
     ASSERT_EQ(written(frames, {}, make), "");
     const DecodedMovie movie = decodedMovie(path);
-    ASSERT_EQ(movie.frames.size(), 335u);
+    ASSERT_EQ(movie.frames.size(), 700u);
     EXPECT_TRUE(movie.frames[0].isKey);
     qint64 lastKey = 0;
     for (std::size_t i = 0; i < movie.frames.size(); ++i) {
@@ -136,22 +136,14 @@ TEST_F(MovieWriterTest, everyFrameStandsAtItsTimeAndPicturesChangeWhenTheyAreApp
       EXPECT_LT(static_cast<qint64>(i) - lastKey, 150);
       EXPECT_GE(lumaPsnr(movie.pictureAt(i), frames[static_cast<qsizetype>(i)]), 46) << i;
     }
+    if (make == makeEveryFrameMovieWriter) continue;
+    // A key frame may differ from the same picture predicted, the repeats of either never.
+    for (const qint64 change : movie.changes())
+      EXPECT_TRUE(movie.frames[static_cast<std::size_t>(change)].isKey ||
+                  std::find(changesAt.begin(), changesAt.end(), change) != changesAt.end())
+          << change;
+    EXPECT_LT(fileBytes().size(), 200000);
   }
-}
-
-TEST_F(MovieWriterTest, whatIsWrittenAgainDecodesToTheVerySamePicture) {
-  QList<QImage> frames;
-  for (int i = 0; i < 400; ++i)
-    frames.append(i == 0 || i == 7 || i == 60 || i == 61 ? numbered(i) : frames.last());
-  ASSERT_EQ(written(frames), "");
-  const DecodedMovie movie = decodedMovie(path);
-  ASSERT_EQ(movie.frames.size(), 400u);
-  // A key frame may differ from the same picture predicted, the repeats of either never.
-  for (const qint64 change : movie.changes())
-    EXPECT_TRUE(movie.frames[static_cast<std::size_t>(change)].isKey || change == 7 || change == 60 ||
-                change == 61)
-        << change;
-  EXPECT_LT(fileBytes().size(), 100000);
 }
 
 TEST_F(MovieWriterTest, theSoundStartsWhereItWasAppended) {
