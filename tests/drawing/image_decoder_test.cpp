@@ -1,8 +1,6 @@
 #include "drawing/image_decoder.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <QBuffer>
 #include <QColorSpace>
@@ -182,20 +180,6 @@ TEST_F(ImageDecoder, pixelsAloneLeaveAPhoto) {
     EXPECT_FALSE(image->colorSpace().isValid()) << format;
     EXPECT_EQ(image->dotsPerMeterX(), QImage(1, 1, QImage::Format_RGB32).dotsPerMeterX()) << format;
   }
-}
-
-TEST_F(ImageDecoder, textsInAPngAreNeverInflated) {
-  QImage small = quarters();
-  for (int i = 0; i < 30; ++i) small.setText(QString::number(i), QString(7 << 20, u'x'));
-  const QByteArray png = encoded(small, "png");
-  ASSERT_LT(png.size(), 1 << 20);
-  small = {};
-  rusage before{}, after{};
-  getrusage(RUSAGE_SELF, &before);
-  EXPECT_TRUE(decoded(png));
-  getrusage(RUSAGE_SELF, &after);
-  EXPECT_LT(after.ru_utime.tv_sec * 1000 + after.ru_utime.tv_usec / 1000,
-            before.ru_utime.tv_sec * 1000 + before.ru_utime.tv_usec / 1000 + 50);
 }
 
 TEST_F(ImageDecoder, coloursOfAnotherColourSpaceBecomeSrgb) {
