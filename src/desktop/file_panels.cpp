@@ -81,7 +81,7 @@ class DesktopFilePanels final : public QObject, public FilePanels {
     if (panel.preview) showPreviews(*dialog, panel.suffixes, panel.preview);
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
     dialog->setFileMode(QFileDialog::ExistingFile);
-    show(dialog, [this, done = std::move(done)](const std::optional<QString>& path) {
+    show(dialog, [done = std::move(done)](const std::optional<QString>& path) {
       if (path) openFolder_ = QFileInfo(*path).absolutePath();
       done(path);
     });

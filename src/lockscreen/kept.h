@@ -19,6 +19,14 @@ class Kept {
     return value_;
   }
 
+  /// Takes a value that was made elsewhere.
+  void put(Key key, Value value) {
+    key_ = std::move(key);
+    value_ = std::move(value);
+  }
+
+  [[nodiscard]] const std::optional<Key>& key() const { return key_; }
+
   /// The value last got.
   [[nodiscard]] const Value& last() const { return value_; }
 

@@ -21,7 +21,7 @@ class LockScreenScenery {
   void update(const SequenceDocument& document, const QSize& pixels, double pixelsPerPoint,
               Rendering rendering);
 
-  void expectOtherPhoto() { wallpaperSource_.expectOtherPhoto(); }
+  [[nodiscard]] WallpaperSource& wallpaperSource() { return wallpaperSource_; }
 
   /// Layout without cards.
   [[nodiscard]] const LockScreenLayout& layout() const { return layout_; }

@@ -25,7 +25,9 @@ class LockScreenCache {
   LockScreenCache& operator=(const LockScreenCache&) = delete;
 
   /// Looks at the photo again, even where a movie ignores its changes: another movie begins.
-  void expectOtherPhoto() { scenery_.expectOtherPhoto(); }
+  void expectOtherPhoto() { scenery_.wallpaperSource().expectOtherPhoto(); }
+
+  [[nodiscard]] WallpaperSource& wallpaperSource() { return scenery_.wallpaperSource(); }
 
   /// The wallpaper of the picture painted last.
   [[nodiscard]] const QImage& wallpaper() const { return scenery_.wallpaper(); }

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 namespace brisklet {
 namespace {
 
-/// Smaller pictures are made from one of this size, so that a window can be resized without decoding anew.
+/// Other pictures are made from one of this size, so that a window can be resized without decoding anew.
 constexpr QSize printSize(1170, 2532);
 
 QImage plainFill(const QSize& pixels) {
@@ -59,15 +59,21 @@ const QImage& WallpaperSource::filled(const SequenceDocument& document, const QS
   std::pair asked{document.wallpaper, document.wallpaperUrl};
   if (changes == PhotoChanges::Followed || asked_ != asked) origin_ = originOf(document);
   asked_ = std::move(asked);
-  return image_.get({origin_, pixels}, [&] {
-    if (pixels.width() > printSize.width() || pixels.height() > printSize.height())
-      return read(origin_, pixels);
-    const QImage& print = print_.get(origin_, [&] { return read(origin_, printSize); });
-    return pixels == printSize ? print : overBlack(photoFill(print, pixels));
+  // Finer than a movie's frame only a movie is.
+  WallpaperReading wanted{origin_,
+                          changes == PhotoChanges::Followed ? printSize : pixels.expandedTo(printSize)};
+  unread_.reset();
+  if (!readsPhotos_ && !origin_.path.isEmpty() && print_.key() && print_.key() != wanted) {
+    unread_ = std::move(wanted);
+    wanted = *print_.key();
+  }
+  return image_.get({wanted, pixels}, [&] {
+    const QImage& print = print_.get(wanted, [&] { return read(wanted); });
+    return pixels == print.size() ? print : overBlack(photoFill(print, pixels));
   });
 }
 
-WallpaperSource::Origin WallpaperSource::originOf(const SequenceDocument& document) {
+WallpaperOrigin WallpaperSource::originOf(const SequenceDocument& document) {
   if (document.wallpaper == customId && !document.wallpaperUrl.contains(QChar(u'\0'))) {
     const QFileInfo file(document.wallpaperUrl);
     if (file.isFile()) return {{}, document.wallpaperUrl, file.size(), file.lastModified()};
@@ -78,7 +84,8 @@ WallpaperSource::Origin WallpaperSource::originOf(const SequenceDocument& docume
   return {u"one"_s, {}, -1, {}};
 }
 
-QImage WallpaperSource::read(const Origin& origin, const QSize& pixels) {
+QImage WallpaperSource::read(const WallpaperReading& reading) {
+  const auto& [origin, pixels] = reading;
   if (!origin.path.isEmpty()) {
     if (const auto photo = decodeImageFile(origin.path)) return overBlack(photoFill(*photo, pixels));
   }

@@ -1,5 +1,6 @@
 #include "studio/stage.h"
 
+#include "base/background.h"
 #include "drawing/continuous_corners.h"
 #include "drawing/device_pixels.h"
 #include "drawing/text_line.h"
@@ -34,6 +35,7 @@ Stage::Stage(QWidget* parent) : QWidget(parent) {
   setAccessibleRole(this, QAccessible::Graphic);
   setAccessibleName(u"Lock screen"_s);
   setMouseTracking(true);
+  cache_.wallpaperSource().leavePhotosToOthers();
   frames_.setTimerType(Qt::PreciseTimer);
   connect(&frames_, &QTimer::timeout, this, &Stage::nextFrame);
 }
@@ -139,6 +141,22 @@ void Stage::paintEvent(QPaintEvent* event) {
   LockScreenView{document_, *player_}.paint(painter, cache_,
                                             animation_.cards(SequencePlayer::steadyClockMs()));
   if (!note_.isEmpty()) paintNote(painter);
+  readPhoto();
+}
+
+void Stage::readPhoto() {
+  const auto& unread = cache_.wallpaperSource().unread();
+  if (!unread || reading_ == unread) return;
+  reading_ = unread;
+  inBackground(
+      this, [reading = *unread] { return WallpaperSource::read(reading); },
+      [this, reading = *unread](const QImage& picture) {
+        if (reading_ == reading) reading_.reset();
+        WallpaperSource& source = cache_.wallpaperSource();
+        if (source.unread() != reading) return;
+        source.take(reading, picture);
+        update(phoneArea());
+      });
 }
 
 void Stage::paintNote(QPainter& painter) const {

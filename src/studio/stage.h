@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
+#include <optional>
 
 namespace brisklet {
 
@@ -41,6 +42,8 @@ class Stage : public QWidget {
   /// The ping whose card is at a point of the stage.
   [[nodiscard]] const Ping* pingAt(const QPointF& at) const;
   void paintNote(QPainter& painter) const;
+  /// Has the photo read that the painting just done went without.
+  void readPhoto();
   void setShownPings(QList<Ping> pings);
   /// Moves the cards towards what is visible now.
   void follow();
@@ -51,6 +54,7 @@ class Stage : public QWidget {
   SequenceDocument document_;
   QPointer<const SequencePlayer> player_;
   LockScreenCache cache_;
+  std::optional<WallpaperReading> reading_;
   CardStackAnimation animation_;
   QList<Ping> shownPings_;
   QString note_;

@@ -53,6 +53,19 @@ TEST_F(Wallpapers, photoIsReadAgainOnlyWhenItsFileChanged) {
   EXPECT_EQ(filled(u"custom"_s, path), filled(u"one"_s));
 }
 
+TEST_F(Wallpapers, photoThatOthersReadComesWhenItIsTaken) {
+  const QString path = folder_.filePath(u"photo.png"_s);
+  ASSERT_TRUE(plain(Qt::red, {40, 30}).save(path));
+  source_.leavePhotosToOthers();
+  const QImage two = filled(u"two"_s);
+  EXPECT_EQ(filled(u"custom"_s, path), two);
+  const auto reading = source_.unread();
+  ASSERT_TRUE(reading);
+  source_.take(*reading, WallpaperSource::read(*reading));
+  EXPECT_EQ(filled(u"custom"_s, path).pixel(60, 100), qRgb(255, 0, 0));
+  EXPECT_FALSE(source_.unread());
+}
+
 TEST(PhotoFill, coversTheCanvasFromThePhotosMiddle) {
   // A wide photo whose middle third is green, cut to a narrow canvas.
   QImage photo = plain(Qt::red, {900, 300});

@@ -65,7 +65,7 @@ TEST_F(HeldPictureEncoderTest, aHeldPictureIsEncodedOnceAndItsKeyFrameOnce) {
   }
   EXPECT_EQ(keys, (std::vector<size_t>{0, 150, 300, 450, 600, 750, 900}));
   EXPECT_NE(units[0].bytes, units[150].bytes);
-  for (const size_t key : {300, 450, 600, 750, 900}) EXPECT_EQ(units[key].bytes, units[150].bytes);
+  for (const size_t key : {300U, 450U, 600U, 750U, 900U}) EXPECT_EQ(units[key].bytes, units[150].bytes);
 }
 
 TEST_F(HeldPictureEncoderTest, theCounterOfFramesNeverSkipsAndStartsOverAtKeyFrames) {

@@ -86,8 +86,8 @@ struct BriskletRender : testing::Test {
 
 /// Being root opens no door that is locked.
 void dropPrivileges() {
-  for (const unsigned long capability : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER})
-    prctl(PR_CAPBSET_DROP, capability, 0, 0, 0);
+  for (const int capability : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER})
+    prctl(PR_CAPBSET_DROP, static_cast<unsigned long>(capability), 0, 0, 0);
 }
 
 std::function<void()> fileSizeLimit(quint64 bytes) {
