@@ -78,7 +78,8 @@ def make_a_movie(program, window_manager):
         studio.wait(lambda: cards(studio) == finished, "It ends with the finished stack.")
 
         movie = os.path.join(studio.home, "movie.mp4")
-        studio.click_on("Export", "button")
+        studio.click_on("Text", "text")
+        studio.key("ctrl+e")
         studio.wait_for_dialog("Export notification video")
         studio.key("ctrl+a")
         studio.type(movie[:-len(".mp4")])

@@ -3,9 +3,11 @@
 #include "studio/controls/palette.h"
 
 #include <QClipboard>
+#include <QDragEnterEvent>
 #include <QFocusEvent>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <QMimeData>
 #include <QPalette>
 #include <QTextLayout>
 #include <algorithm>
@@ -35,7 +37,6 @@ QString inOneLine(QString text) {
 StudioLineEdit::StudioLineEdit(const TextStyle& style, int leftMargin, int rightMargin, QWidget* parent)
     : QLineEdit(parent), leftMargin_(leftMargin - ownMargin), rightMargin_(rightMargin - ownMargin) {
   setFrame(false);
-  setAcceptDrops(false);  // the window takes photos wherever they are dropped
   setFont(systemFont(style.sizePt, style.weight));
   setAttribute(Qt::WA_MacShowFocusRect, false);
   QPalette colors = palette();
@@ -71,6 +72,17 @@ void StudioLineEdit::leaveOnEnter() {
   connect(this, &QLineEdit::returnPressed, this, [this] { window()->setFocus(Qt::OtherFocusReason); });
 }
 
+bool StudioLineEdit::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    const QKeyCombination keys = static_cast<QKeyEvent*>(event)->keyCombination();
+    if (keys == (Qt::CTRL | Qt::Key_D) || keys == (Qt::CTRL | Qt::Key_E)) {
+      event->ignore();
+      return true;
+    }
+  }
+  return QLineEdit::event(event);
+}
+
 void StudioLineEdit::keyPressEvent(QKeyEvent* event) {
   const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   if ((event->matches(QKeySequence::Undo) && !isUndoAvailable()) ||
@@ -80,6 +92,14 @@ void StudioLineEdit::keyPressEvent(QKeyEvent* event) {
     event->ignore();
   else
     QLineEdit::keyPressEvent(event);
+}
+
+void StudioLineEdit::dragEnterEvent(QDragEnterEvent* event) {
+  // The window takes photos, wherever they are dropped, and their names are text as well.
+  if (event->mimeData()->hasUrls())
+    event->ignore();
+  else
+    QLineEdit::dragEnterEvent(event);
 }
 
 void StudioLineEdit::inputMethodEvent(QInputMethodEvent* event) {

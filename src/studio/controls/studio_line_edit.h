@@ -9,7 +9,8 @@ namespace brisklet {
 /// A line edit without a frame, in the studio's font and colours. Its text stands on one baseline whatever
 /// scripts are in it. Line breaks and tabs that are pasted into it are blanks to everybody else, as they are
 /// seen. When it is left it shows its beginning.
-/// Keys that would do nothing to the text are its surroundings': undo without a history, say.
+/// Keys that would do nothing to the text are its surroundings': undo without a history, say. So are Ctrl+D
+/// and Ctrl+E, with which some desktops delete and go to the end.
 class StudioLineEdit : public QLineEdit {
   Q_OBJECT
 
@@ -29,7 +30,9 @@ class StudioLineEdit : public QLineEdit {
   void lineEdited(const QString& line);
 
  protected:
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
   void inputMethodEvent(QInputMethodEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 
