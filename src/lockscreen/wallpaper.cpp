@@ -1,8 +1,8 @@
 #include "lockscreen/wallpaper.h"
 
-#include "drawing/float_plane.h"
 #include "drawing/image_decoder.h"
 #include "drawing/pictures.h"
+#include "drawing/resampled.h"
 #include "lockscreen/bundle_image.h"
 #include "model/catalogue.h"
 #include "model/color.h"
@@ -11,7 +11,6 @@
 #include <QFileInfo>
 #include <QRectF>
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -35,23 +34,9 @@ QImage photoFill(const QImage& photo, const QSize& pixels) {
   if (photo.isNull() || pixels.isEmpty()) return {};
   const double scale = std::max(static_cast<double>(pixels.width()) / photo.width(),
                                 static_cast<double>(pixels.height()) / photo.height());
-  // Only what shows is scaled: a narrow strip enlarged as a whole would be immense.
   QRectF shown(0, 0, pixels.width() / scale, pixels.height() / scale);
   shown.moveCenter({photo.width() / 2.0, photo.height() / 2.0});
-  const QRect source = shown.toAlignedRect() & photo.rect();
-  const QSize scaledSize(std::max(pixels.width(), qRound(source.width() * scale)),
-                         std::max(pixels.height(), qRound(source.height() * scale)));
-  const QImage cut = source == photo.rect() ? photo : photo.copy(source);
-  // Enlarged further than this, Qt's linear steps would show as a grid of stars.
-  constexpr double finelyEnlarged = 1.5;
-  const QImage scaled = scale > finelyEnlarged && !cut.hasAlphaChannel()
-                            ? enlarged(colorsOf(cut.convertToFormat(QImage::Format_RGB32)), scaledSize)
-                            : cut.scaled(scaledSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-  const int left =
-      std::clamp(qRound((shown.left() - source.left()) * scale), 0, scaledSize.width() - pixels.width());
-  const int top =
-      std::clamp(qRound((shown.top() - source.top()) * scale), 0, scaledSize.height() - pixels.height());
-  return scaled.size() == pixels ? scaled : scaled.copy(QRect(QPoint(left, top), pixels));
+  return resampled(photo, shown, pixels);
 }
 
 const QImage& WallpaperSource::filled(const SequenceDocument& document, const QSize& pixels,

@@ -77,5 +77,12 @@ TEST(PhotoFill, coversTheCanvasFromThePhotosMiddle) {
     EXPECT_EQ(photoFill(plain(Qt::green, size), {1170, 2532}), plain(Qt::green, {1170, 2532}));
 }
 
+TEST(PhotoFill, leavesNoRingsOfWhatIsTooFine) {
+  QImage stripes(1000, 1000, QImage::Format_RGB32);
+  for (int x = 0; x < 1000; ++x) QPainter(&stripes).fillRect(x, 0, 1, 1000, x % 2 ? Qt::white : Qt::black);
+  const QImage reduced = photoFill(stripes, {610, 610});
+  for (int x = 10; x < 600; ++x) EXPECT_NEAR(qGreen(reduced.pixel(x, 300)), 127.5, 12) << x;
+}
+
 }  // namespace
 }  // namespace brisklet
