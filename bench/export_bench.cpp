@@ -132,7 +132,8 @@ Stages stages(const SequenceDocument& document, const MovieStyle& style, const Q
       if (previous) unchanged = equalMacroblocks(*previous, *picture);
     });
     previous = picture;
-    result.video += seconds([&] { encoder.show(picture, unchanged); });
+    result.video +=
+        seconds([&] { encoder.show(picture, unchanged, pictures.isMoving() ? Stay::Brief : Stay::Long); });
   }
 
   QByteArray pcm;

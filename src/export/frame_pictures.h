@@ -26,6 +26,9 @@ class FramePictures {
   /// how a movie's writer knows that nothing changed.
   const QImage& at(double timeMs);
 
+  /// Whether the cards go on moving after the moment asked for last.
+  [[nodiscard]] bool isMoving() const { return !stands_; }
+
  private:
   /// Brings the cards to this moment; whether any has landed since.
   bool advance(double timeMs);

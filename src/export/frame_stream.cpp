@@ -55,10 +55,10 @@ void FrameStream::paint(const SequenceDocument& document, const MovieStyle& styl
     }
     push(hold);
     if (isHeld) {
-      hold = {picture, frame, 1};
+      hold = {picture, frame, 1, Stay::Long};
     } else {
-      push({picture, frame, 1});
-      hold = {picture, frame + 1, 0};
+      push({picture, frame, 1, pictures.isMoving() ? Stay::Brief : Stay::Long});
+      hold = {picture, frame + 1, 0, Stay::Long};
     }
   }
   push(hold);

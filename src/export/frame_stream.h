@@ -4,6 +4,7 @@
 #include "model/movie_style.h"
 #include "model/sequence_document.h"
 #include "movie/bounded_queue.h"
+#include "movie/stay.h"
 
 #include <QImage>
 #include <exception>
@@ -17,6 +18,7 @@ struct HeldFrames {
   QImage picture;
   qint64 first = 0;
   qint64 count = 0;
+  Stay stay = Stay::Long;
 };
 
 /// Paints the frames of a document's movie on a thread of its own, a few ahead of who takes them.

@@ -64,7 +64,7 @@ QCoro::Task<> appendVideo(const SequenceDocument& document, const MovieStyle& st
     for (qint64 frame = frames->first; frame < frames->first + frames->count; ++frame) {
       if (turn.isOver()) co_await turn.pause();
       while (!writer.isReadyForMoreVideo()) co_await turn.pause(readinessPoll);
-      writer.appendFrame(frames->picture, frame);
+      writer.appendFrame(frames->picture, frame, frames->stay);
       if (progress) progress(frame + 1, frameCount);
     }
   }

@@ -1,5 +1,6 @@
 #include "lockscreen/lock_glass.h"
 
+#include "base/vectorised.h"
 #include "drawing/continuous_corners.h"
 #include "drawing/float_plane.h"
 #include "lockscreen/notification_card.h"
@@ -188,31 +189,34 @@ uchar mixed(uchar one, std::uint16_t oneShare, uchar other, std::uint16_t otherS
       static_cast<std::uint16_t>(high(one, oneShare) + high(other, otherShare) + added) >> 8);
 }
 
-/// Sets the target's pixels from `begin` to `end` to shares of the source, of what is there, of white, and of
-/// white as far as the source gleams.
-void blendEvenly(QRgb* target, const QRgb* source, int begin, int end, int y, float sourceShare,
-                 float targetShare, float white, float gleam) {
-  const std::uint16_t one = fixedShare(sourceShare), other = fixedShare(targetShare);
-  std::array<std::uint16_t, 32> added = ditherRow(begin, y);
-  for (std::uint16_t& value : added) value = static_cast<std::uint16_t>(value + white * (255 * 256));
-  const auto gleaming = static_cast<std::uint16_t>(gleam * 256);
-  auto* to = reinterpret_cast<uchar*>(target + begin);
-  const int bytes = 4 * (end - begin);
+/// How pixels in a row are mixed: shares of the source and of what is there, white with the dither of eight
+/// pixels, and a share of the source's gleam.
+struct EvenMix {
+  std::uint16_t sourceShare, targetShare;
+  std::array<std::uint16_t, 32> added;
+  std::uint16_t gleam;
+};
+
+BRISKLET_VECTORISED void blendEvenly(QRgb* target, const QRgb* source, int count, const EvenMix& mix) {
   // In blocks as long as the dither, so that the compiler makes them vectors.
-  for (int i = 0; i < bytes; i += 32) {
-    const int size = std::min(32, bytes - i);
-    std::array<QRgb, 8> block{}, gleams{};
-    std::copy_n(source + begin + i / 4, size / 4, block.begin());
-    for (std::size_t k = 0; k < 8; ++k) gleams[k] = (block[k] >> 24) * 0x01010101U;
-    const auto* from = reinterpret_cast<const uchar*>(block.data());
+  const auto blendBlock = [&mix](QRgb* to, const QRgb* from) {
+    std::array<QRgb, 8> gleams;
+    for (std::size_t k = 0; k < 8; ++k) gleams[k] = (from[k] >> 24) * 0x01010101U;
     const auto* shine = reinterpret_cast<const uchar*>(gleams.data());
-    std::array<uchar, 32> out{};
-    std::copy_n(to + i, size, out.begin());
+    const auto* in = reinterpret_cast<const uchar*>(from);
+    auto* out = reinterpret_cast<uchar*>(to);
     for (std::size_t k = 0; k < 32; ++k)
-      out[k] = mixed(from[k], one, out[k], other, static_cast<std::uint16_t>(added[k] + shine[k] * gleaming));
-    std::copy_n(out.begin(), size, to + i);
-  }
-  for (int x = begin; x < end; ++x) target[x] |= 0xff000000;
+      out[k] = mixed(in[k], mix.sourceShare, out[k], mix.targetShare,
+                     static_cast<std::uint16_t>(mix.added[k] + shine[k] * mix.gleam));
+    for (std::size_t k = 0; k < 8; ++k) to[k] |= 0xff000000;
+  };
+  int x = 0;
+  for (; x + 8 <= count; x += 8) blendBlock(target + x, source + x);
+  std::array<QRgb, 8> to{}, from{};
+  std::copy(target + x, target + count, to.begin());
+  std::copy(source + x, source + count, from.begin());
+  blendBlock(to.data(), from.data());
+  std::copy_n(to.begin(), count - x, target + x);
 }
 
 void accumulate(std::vector<std::uint16_t>& sum, const QRgb* row, int weight) {
@@ -238,6 +242,23 @@ struct BackdropRow {
   int width;
 };
 
+BRISKLET_VECTORISED void blendBytes(uchar* __restrict out, const uchar* __restrict bytes,
+                                    const std::uint16_t* __restrict ones,
+                                    const std::uint16_t* __restrict others,
+                                    const std::uint16_t* __restrict added,
+                                    const std::array<std::uint16_t, 32>& dither, int count) {
+  const auto blendByte = [&](int i, int phase) {
+    out[i] = mixed(bytes[i], ones[i], out[i], others[i],
+                   static_cast<std::uint16_t>(added[i] + dither[static_cast<std::size_t>(phase)]));
+  };
+  // In blocks as long as the dither, so that the compiler makes them vectors.
+  int i = 0;
+  for (; i + 32 <= count; i += 32) {
+    for (int k = 0; k < 32; ++k) blendByte(i + k, k);
+  }
+  for (; i < count; ++i) blendByte(i, i % 32);
+}
+
 /// Pixels of a row before they are blended: what shows through, and its share, that of what is there, and
 /// that of white. The four bytes of a pixel have the same shares: each is stored four times over.
 struct RowMix {
@@ -251,6 +272,9 @@ struct RowMix {
     std::fill_n(&whites[4 * at], 4, static_cast<std::uint16_t>(white * (255 * 256)));
   }
 
+  /// A pixel beside the plates, of which so much is left.
+  void setBeside(std::size_t at, float targetShare) { set(at, 0, 0, targetShare, 0); }
+
   /// Blends `count` pixels from `begin` on into the row's pixels from `x` on, those that it has.
   void blend(QRgb* target, int width, int x, int y, int begin, int count) const {
     const int skipped = std::max(0, -x);
@@ -263,17 +287,7 @@ struct RowMix {
     const std::uint16_t* added = whites.data() + 4 * from;
     const std::array<std::uint16_t, 32> dither = ditherRow(x + skipped, y);
     auto* out = reinterpret_cast<uchar*>(target + x + skipped);
-    const auto blendByte = [&](int i, int phase) {
-      out[i] = mixed(bytes[i], ones[i], out[i], others[i],
-                     static_cast<std::uint16_t>(added[i] + dither[static_cast<std::size_t>(phase)]));
-    };
-    // In blocks as long as the dither, so that the compiler makes them vectors.
-    const int size = 4 * count;
-    int i = 0;
-    for (; i + 32 <= size; i += 32) {
-      for (int k = 0; k < 32; ++k) blendByte(i + k, k);
-    }
-    for (; i < size; ++i) blendByte(i, i % 32);
+    blendBytes(out, bytes, ones, others, added, dither, 4 * count);
     for (int k = 0; k < count; ++k) target[x + skipped + k] |= 0xff000000;
   }
 
@@ -466,18 +480,18 @@ void LockGlass::fieldRow(double y, std::span<const GlassPlate> plates, FieldRow&
   }
 }
 
+float LockGlass::leftByShadow(float distance) const {
+  const auto index = static_cast<int>((distance + static_cast<float>(margin_)) * stepsPerPixel + 0.5F);
+  return 1 - shadow_[static_cast<std::size_t>(std::clamp(index, 0, static_cast<int>(shadow_.size()) - 1))];
+}
+
 LockGlass::Column LockGlass::columnAt(const Scratch& scratch, int index) const {
   const auto at = static_cast<std::size_t>(index), last = static_cast<std::size_t>(columns_);
   const FieldRow& here = scratch.here;
   const float distance = here[at];
-  const auto shadowIndex =
-      static_cast<int>((scratch.shadow[at] + static_cast<float>(margin_)) * stepsPerPixel + 0.5F);
   Column column{};
   column.cover = std::clamp(0.5F - distance, 0.0F, 1.0F);
-  column.around =
-      (1 -
-       shadow_[static_cast<std::size_t>(std::clamp(shadowIndex, 0, static_cast<int>(shadow_.size()) - 1))]) *
-      (1 - column.cover);
+  column.around = leftByShadow(scratch.shadow[at]) * (1 - column.cover);
   const auto depth = static_cast<std::size_t>(std::max(0.0F, -distance) * stepsPerPixel + 0.5F);
   if (column.cover <= 0 || depth >= depths_.size()) return column;
   column.depth = &depths_[depth];
@@ -519,29 +533,48 @@ void LockGlass::paintRow(QRgb* target, const QImage& backdrop, int y, int left,
   // Both sides at once: they differ in nothing but the direction of the light.
   const int leftmost = left - margin_, rightmost = left + size_.width() + margin_ - 1;
   for (int i = 0; i < columns_; ++i) {
+    const auto at = static_cast<std::size_t>(i), mirrored = static_cast<std::size_t>(2 * columns_ - 1 - i);
+    if (scratch.here[at] >= 0.5F) {
+      const float share = leftByShadow(scratch.shadow[at]);
+      scratch.mix.setBeside(at, share);
+      scratch.mix.setBeside(mirrored, share);
+      continue;
+    }
     Column column = columnAt(scratch, i);
+    if (!column.depth) {
+      scratch.mix.set(at, behind.at(leftmost + i), 1, 0, 0);
+      scratch.mix.set(mirrored, behind.at(rightmost - i), 1, 0, 0);
+      continue;
+    }
     const BackdropRow row = bentRow(column);
     const int bend = column.depth ? static_cast<int>(column.outX * column.depth->bend) : 0;
-    const auto mix = [&](int place, QRgb source) {
+    const auto mix = [&](std::size_t place, QRgb source) {
       const Shine lit = shine(column);
       const float white = lit.white + lit.gleam * static_cast<float>(source >> 24) / 255;
-      scratch.mix.set(static_cast<std::size_t>(place), source, column.cover * lit.keep, column.around,
-                      column.cover * white);
+      scratch.mix.set(place, source, column.cover * lit.keep, column.around, column.cover * white);
     };
-    mix(i, row.at(leftmost + i - bend));
+    mix(at, row.at(leftmost + i - bend));
     column.outX = -column.outX;
-    mix(2 * columns_ - 1 - i, row.at(rightmost - i + bend));
+    mix(mirrored, row.at(rightmost - i + bend));
   }
   const int middleBegin = leftmost + columns_, middleEnd = rightmost - columns_ + 1;
   scratch.mix.blend(target, behind.width, leftmost, y, 0, columns_);
   scratch.mix.blend(target, behind.width, middleEnd, y, columns_, columns_);
 
   const int begin = std::max(0, middleBegin), end = std::min(behind.width, middleEnd);
+  if (begin >= end) return;
   const Column column = columnAt(scratch, columns_);
+  if (column.cover == 1 && !column.depth) {
+    std::transform(behind.pixels + begin, behind.pixels + end, target + begin,
+                   [](QRgb pixel) { return pixel | 0xff000000; });
+    return;
+  }
   const Shine lit = shine(column);
-  if (begin < end)
-    blendEvenly(target, bentRow(column).pixels, begin, end, y, column.cover * lit.keep, column.around,
-                column.cover * lit.white, column.cover * lit.gleam);
+  EvenMix mix{fixedShare(column.cover * lit.keep), fixedShare(column.around), ditherRow(begin, y),
+              static_cast<std::uint16_t>(column.cover * lit.gleam * 256)};
+  for (std::uint16_t& value : mix.added)
+    value = static_cast<std::uint16_t>(value + column.cover * lit.white * (255 * 256));
+  blendEvenly(target + begin, bentRow(column).pixels + begin, end - begin, mix);
 }
 
 void LockGlass::paint(QImage& target, const QImage& backdrop, int left,

@@ -77,6 +77,8 @@ class LockGlass {
   void buildLight(double pixelsPerPoint, Rendering rendering);
   /// The smooth union of the plates; as far as can be where all are out of reach.
   void fieldRow(double y, std::span<const GlassPlate> plates, FieldRow& row) const;
+  /// The share of what is around that the shadow leaves, at a distance from the outline of what casts it.
+  [[nodiscard]] float leftByShadow(float distance) const;
   [[nodiscard]] Column columnAt(const Scratch& scratch, int index) const;
   [[nodiscard]] Shine shine(const Column& column) const;
   void paintRow(QRgb* target, const QImage& backdrop, int y, int left, std::span<const GlassPlate> plates,

@@ -1,13 +1,44 @@
 #include "lockscreen/notification_card.h"
 
+#include "base/vectorised.h"
 #include "drawing/continuous_corners.h"
 #include "drawing/float_plane.h"
 #include "drawing/pictures.h"
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace brisklet {
+
+namespace {
+
+/// Between these lumas of a plate, 0 to 1, the shade behind the time sets in.
+constexpr float faintFrom = 0.43F, faintTo = 0.5F;
+
+/// Darkens pixels in a row by their shares of the shade, which are in 255ths.
+BRISKLET_VECTORISED void shade(QRgb* __restrict pixels, const uchar* __restrict shares, int count,
+                               float opacity, const float* __restrict dither) {
+  // Luma in whole numbers, which the compiler can clamp in vectors.
+  constexpr int full = 255 * 10000;
+  constexpr int from = static_cast<int>(full * faintFrom),
+                range = static_cast<int>(full * (faintTo - faintFrom));
+  const float most = CardMetrics::timeShade * opacity / 255 / range;
+  for (int x = 0; x < count; ++x) {
+    const QRgb pixel = pixels[x];
+    const int red = pixel >> 16 & 0xff, green = pixel >> 8 & 0xff, blue = pixel & 0xff;
+    const int luma = 2126 * red + 7152 * green + 722 * blue;
+    const int share = std::min(std::max(luma - from, 0), range);
+    const float left = 1 - most * static_cast<float>(share) * static_cast<float>(static_cast<int>(shares[x]));
+    const auto level = [&](int value) {
+      return static_cast<QRgb>(static_cast<int>(static_cast<float>(value) * left + dither[x]));
+    };
+    pixels[x] = 0xff000000 | level(red) << 16 | level(green) << 8 | level(blue);
+  }
+}
+
+}  // namespace
+
 CardLayout cardLayout(const QSizeF& card, double timeWidth) {
   using namespace CardMetrics;
   const double titleAscent = lineAscent(titleStyle), timeAscent = lineAscent(timeStyle);
@@ -43,7 +74,6 @@ void paintCardContent(QPainter& painter, const QSizeF& card, const Ping& ping, A
 }
 
 float lightBehindTime(float luma) {
-  constexpr float faintFrom = 0.43F, faintTo = 0.5F;
   return 1 - CardMetrics::timeShade * std::clamp((luma - faintFrom) / (faintTo - faintFrom), 0.0F, 1.0F);
 }
 
@@ -77,21 +107,14 @@ TimeShade timeShade(const Ping& ping, const QSizeF& card, double pixelsPerPoint)
 void TimeShade::paint(QImage& target, const QPoint& card, double opacity) const {
   const QPoint corner = card + place;
   const QRect here = QRect(corner, shares.size()) & target.rect();
+  if (here.isEmpty()) return;
+  std::vector<float> dither(static_cast<std::size_t>(here.width()));
   for (int y = here.top(); y <= here.bottom(); ++y) {
-    auto* line = reinterpret_cast<QRgb*>(target.scanLine(y));
-    const uchar* share = shares.constScanLine(y - corner.y());
-    for (int x = here.left(); x <= here.right(); ++x) {
-      const QRgb pixel = line[x];
-      const float luma =
-          static_cast<float>(2126 * qRed(pixel) + 7152 * qGreen(pixel) + 722 * qBlue(pixel)) / 2550000;
-      const float left = lightBehindTime(luma);
-      if (left == 1) continue;
-      const float taken = (1 - left) * static_cast<float>(share[x - corner.x()] * opacity) / 255;
-      const auto level = [taken, dither = ditherAt(x, y)](int value) {
-        return static_cast<int>(static_cast<float>(value) * (1 - taken) + dither);
-      };
-      line[x] = qRgb(level(qRed(pixel)), level(qGreen(pixel)), level(qBlue(pixel)));
-    }
+    for (std::size_t x = 0; x < dither.size(); ++x)
+      dither[x] = x < 8 ? ditherAt(here.left() + static_cast<int>(x), y) : dither[x - 8];
+    shade(reinterpret_cast<QRgb*>(target.scanLine(y)) + here.left(),
+          shares.constScanLine(y - corner.y()) + here.left() - corner.x(), here.width(),
+          static_cast<float>(opacity), dither.data());
   }
 }
 

@@ -18,6 +18,8 @@ constexpr int secondsUntilAChangeIsIdr = 3;
 // first frame as at any later one. At 14 grain of any strength keeps 47 dB of its luma, in key frames and in
 // changes, and ordinary pictures have 50 to 58; at 15 it would be 46.4.
 constexpr int usualQuantiser = 14;
+/// More, for pictures that are not seen for long.
+constexpr int briefRaise = 4;
 
 // The rate stays free as long as the movie is less than this ahead of its average: a movie goes on for 1.8 s
 // after its last change, so it evens out. Only a storm of changes gets there; then the quantiser rises.
@@ -70,13 +72,14 @@ std::vector<uint8_t> HeldPictureEncoder::decoderConfiguration() const {
   return record;
 }
 
-void HeldPictureEncoder::show(std::shared_ptr<const YuvPicture> picture, std::span<const uint8_t> unchanged) {
+void HeldPictureEncoder::show(std::shared_ptr<const YuvPicture> picture, std::span<const uint8_t> unchanged,
+                              Stay stay) {
   picture_ = std::move(picture);
   idr_.clear();
   if (frames_ == 0 || framesSinceIdr_ >= secondsUntilAChangeIsIdr * framesPerSecond_)
     encodeIdr();
   else
-    encodePredicted(movable_ ? unchanged : std::span<const uint8_t>());
+    encodePredicted(movable_ ? unchanged : std::span<const uint8_t>(), stay);
 }
 
 void HeldPictureEncoder::hold() {
@@ -84,30 +87,33 @@ void HeldPictureEncoder::hold() {
   const bool canBeRefined = quantiser_ > usualQuantiser && quantiserRaise() == 0;
   if (isIdrDue && !idr_.empty() && !canBeRefined)
     write(idr_, PictureCoding::Idr);
-  else if (isIdrDue || canBeRefined)
+  else if (isIdrDue)
     encodeIdr();
+  else if (canBeRefined)
+    encodePredicted({}, Stay::Long);
   else if (!repeat_.empty())
     write(*placed(repeat_), PictureCoding::Predicted);
   else if (mayFindRepeat())
     encodeFirstRepeat();
   else
-    encodePredicted({});
+    encodePredicted({}, Stay::Long);
 }
 
-std::span<const uint8_t> HeldPictureEncoder::encode(PictureCoding coding,
-                                                    std::span<const uint8_t> unchanged) {
-  quantiser_ = usualQuantiser + quantiserRaise();
+std::span<const uint8_t> HeldPictureEncoder::encode(PictureCoding coding, std::span<const uint8_t> unchanged,
+                                                    Stay stay) {
+  quantiser_ = std::min(usualQuantiser + (stay == Stay::Brief ? briefRaise : 0) + quantiserRaise(),
+                        H264Encoder::coarsestQuantiser);
   return encoder_.encode(*picture_, coding, quantiser_, unchanged);
 }
 
 void HeldPictureEncoder::encodeIdr() {
-  const std::span<const uint8_t> unit = encode(PictureCoding::Idr);
+  const std::span<const uint8_t> unit = encode(PictureCoding::Idr, {}, Stay::Long);
   if (movable_) idr_.assign(unit.begin(), unit.end());
   write(unit, PictureCoding::Idr);
 }
 
-void HeldPictureEncoder::encodePredicted(std::span<const uint8_t> unchanged) {
-  const std::span<const uint8_t> unit = encode(PictureCoding::Predicted, unchanged);
+void HeldPictureEncoder::encodePredicted(std::span<const uint8_t> unchanged, Stay stay) {
+  const std::span<const uint8_t> unit = encode(PictureCoding::Predicted, unchanged, stay);
   if (!movable_) return write(unit, PictureCoding::Predicted);
   if (const std::optional<std::vector<uint8_t>> here = placed(unit))
     return write(*here, PictureCoding::Predicted);

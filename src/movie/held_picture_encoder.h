@@ -2,6 +2,7 @@
 
 #include "movie/h264_bitstream.h"
 #include "movie/h264_encoder.h"
+#include "movie/stay.h"
 #include "movie/yuv_picture.h"
 
 #include <cstdint>
@@ -46,15 +47,15 @@ class HeldPictureEncoder {
 
   /// One frame of another picture. `unchanged` says of each macroblock whether (not 0) it is equal to the
   /// picture shown before; it is empty if nothing is known.
-  void show(std::shared_ptr<const YuvPicture> picture, std::span<const uint8_t> unchanged);
+  void show(std::shared_ptr<const YuvPicture> picture, std::span<const uint8_t> unchanged, Stay stay);
   /// One frame more of the picture shown last.
   void hold();
 
  private:
-  [[nodiscard]] std::span<const uint8_t> encode(PictureCoding coding,
-                                                std::span<const uint8_t> unchanged = {});
+  [[nodiscard]] std::span<const uint8_t> encode(PictureCoding coding, std::span<const uint8_t> unchanged,
+                                                Stay stay);
   void encodeIdr();
-  void encodePredicted(std::span<const uint8_t> unchanged);
+  void encodePredicted(std::span<const uint8_t> unchanged, Stay stay);
   void encodeFirstRepeat();
   void write(std::span<const uint8_t> accessUnit, PictureCoding coding);
 

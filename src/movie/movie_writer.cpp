@@ -47,6 +47,7 @@ struct HeldRun {
   Picture picture;
   qint64 first = 0;
   qint64 frames = 0;
+  Stay stay = Stay::Long;
 };
 
 /// A picture on its way from conversion to encoding.
@@ -129,12 +130,12 @@ class FileMovieWriter final : public MovieWriter {
   [[nodiscard]] bool isReadyForMoreVideo() const override { return pictures_.hasRoom(); }
   [[nodiscard]] bool isReadyForMoreAudio() const override { return sounds_.hasRoom(); }
 
-  bool appendFrame(const QImage& picture, qint64 frameIndex) override {
+  bool appendFrame(const QImage& picture, qint64 frameIndex, Stay stay) override {
     if (status() != Status::Writing || isVideoFinished_ || frameIndex < nextFrame_ ||
         picture.width() != video_->width || picture.height() != video_->height)
       return false;
     const bool isRepeat = pictureKey_ == picture.cacheKey();
-    pictures_.absorbOrPush({isRepeat ? QImage() : picture, frameIndex, 1}, absorbRun<QImage>);
+    pictures_.absorbOrPush({isRepeat ? QImage() : picture, frameIndex, 1, stay}, absorbRun<QImage>);
     pictureKey_ = picture.cacheKey();
     nextFrame_ = frameIndex + 1;
     return true;
@@ -229,7 +230,8 @@ class FileMovieWriter final : public MovieWriter {
         converted.picture = previous = std::move(picture);
       }
       converted_.waitForRoom();
-      converted_.absorbOrPush({std::move(converted), run->first, run->frames}, absorbRun<ConvertedPicture>);
+      converted_.absorbOrPush({std::move(converted), run->first, run->frames, run->stay},
+                              absorbRun<ConvertedPicture>);
     }
     converted_.close();
   }
@@ -238,7 +240,7 @@ class FileMovieWriter final : public MovieWriter {
     while (const std::optional<HeldRun<ConvertedPicture>> run = converted_.take()) {
       encodedFrame_ = run->first;
       const bool isNew = !run->picture.isNull();
-      if (isNew) videoEncoder_->show(run->picture.picture, run->picture.unchanged);
+      if (isNew) videoEncoder_->show(run->picture.picture, run->picture.unchanged, run->stay);
       for (qint64 i = isNew ? 1 : 0; i < run->frames && !converted_.isAbandoned(); ++i) videoEncoder_->hold();
     }
   }

@@ -2,6 +2,7 @@
 
 #include "base/audio_chunk.h"
 #include "base/output_file.h"
+#include "movie/stay.h"
 
 #include <QImage>
 #include <QString>
@@ -50,7 +51,7 @@ class MovieWriter {
   /// The same picture again, a copy of the same QImage (equal `cacheKey()`), is recognised as a repeat and
   /// costs next to nothing. A frame left out makes the one before it last longer. False when the picture is
   /// refused: of another size, or not later than the one before.
-  virtual bool appendFrame(const QImage& picture, qint64 frameIndex) = 0;
+  virtual bool appendFrame(const QImage& picture, qint64 frameIndex, Stay stay) = 0;
   /// What is left out between two chunks is silent. False when the chunk is refused.
   virtual bool appendAudio(const AudioChunk& chunk) = 0;
 

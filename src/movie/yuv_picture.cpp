@@ -1,5 +1,7 @@
 #include "movie/yuv_picture.h"
 
+#include "base/vectorised.h"
+
 #include <cstring>
 
 namespace brisklet {
@@ -23,15 +25,6 @@ constexpr int cbG = -cbR - cbB;
 constexpr int crR = fixedPoint(chromaRange / 2), crB = fixedPoint(-chromaRange * kb / (2 * (1 - kr)));
 constexpr int crG = -crR - crB;
 
-// The loops are plain so that the compiler can vectorise them; on x86-64 it makes a second version for AVX2,
-// which is chosen at run time. All is integer arithmetic, so both give the same bytes. The choice is made
-// before the thread sanitizer is ready for it.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_THREAD__)
-#define BRISKLET_VECTORISED __attribute__((target_clones("avx2", "default"), optimize("O3")))
-#else
-#define BRISKLET_VECTORISED
-#endif
-
 BRISKLET_VECTORISED void convertLumaRow(const uint32_t* __restrict rgb, uint8_t* __restrict luma, int width) {
   for (int x = 0; x < width; ++x) {
     const int r = static_cast<int>(rgb[x] >> 16 & 255);
@@ -41,10 +34,10 @@ BRISKLET_VECTORISED void convertLumaRow(const uint32_t* __restrict rgb, uint8_t*
   }
 }
 
-/// Compares rows of 16 bytes.
-bool isEqualBlock(const uint8_t* a, const uint8_t* b, int rows, ptrdiff_t stride) {
+/// Compares rows of so many bytes.
+bool isEqualBlock(const uint8_t* a, const uint8_t* b, ptrdiff_t bytes, int rows, ptrdiff_t stride) {
   for (int row = 0; row < rows; ++row, a += stride, b += stride)
-    if (std::memcmp(a, b, 16) != 0) return false;
+    if (std::memcmp(a, b, static_cast<size_t>(bytes)) != 0) return false;
   return true;
 }
 
@@ -110,15 +103,18 @@ void YuvPicture::setFromRgb(const uint32_t* pixels, ptrdiff_t pixelStride) {
 }
 
 std::vector<uint8_t> equalMacroblocks(const YuvPicture& a, const YuvPicture& b) {
+  const auto areEqual = [&](int row, ptrdiff_t from, ptrdiff_t bytes) {
+    const ptrdiff_t luma = row * 16 * a.stride() + from, chroma = row * 8 * a.stride() + from;
+    return isEqualBlock(a.luma() + luma, b.luma() + luma, bytes, 16, a.stride()) &&
+           isEqualBlock(a.chroma() + chroma, b.chroma() + chroma, bytes, 8, a.stride());
+  };
   std::vector<uint8_t> equal;
   equal.reserve(static_cast<size_t>(a.macroblockColumns()) * static_cast<size_t>(a.macroblockRows()));
-  for (int row = 0; row < a.macroblockRows(); ++row)
-    for (int column = 0; column < a.macroblockColumns(); ++column) {
-      const ptrdiff_t luma = row * 16 * a.stride() + column * 16;
-      const ptrdiff_t chroma = row * 8 * a.stride() + column * 16;
-      equal.push_back(isEqualBlock(a.luma() + luma, b.luma() + luma, 16, a.stride()) &&
-                      isEqualBlock(a.chroma() + chroma, b.chroma() + chroma, 8, a.stride()));
-    }
+  for (int row = 0; row < a.macroblockRows(); ++row) {
+    const bool isWholeRow = areEqual(row, 0, a.stride());
+    for (ptrdiff_t from = 0; from < a.stride(); from += 16)
+      equal.push_back(isWholeRow || areEqual(row, from, 16));
+  }
   return equal;
 }
 

@@ -52,7 +52,7 @@ class ScriptedWriter : public MovieWriter {
   }
   bool isReadyForMoreVideo() const override { return true; }
   bool isReadyForMoreAudio() const override { return true; }
-  bool appendFrame(const QImage& picture, qint64 frameIndex) override {
+  bool appendFrame(const QImage& picture, qint64 frameIndex, Stay) override {
     EXPECT_EQ(picture.size(), QSize(1170, 2532));
     script_.frames.push_back(frameIndex);
     script_.pictures.push_back(picture.cacheKey());

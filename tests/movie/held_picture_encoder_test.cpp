@@ -52,9 +52,9 @@ struct HeldPictureEncoderTest : testing::Test {
 
 TEST_F(HeldPictureEncoderTest, aHeldPictureIsEncodedOnceAndItsKeyFrameOnce) {
   HeldPictureEncoder held = encoder(RepeatCoding::Reuse);
-  held.show(noise(1), {});
+  held.show(noise(1), {}, Stay::Long);
   held.hold();
-  held.show(noise(2), {});
+  held.show(noise(2), {}, Stay::Long);
   for (int i = 0; i < 1000; ++i) held.hold();
 
   ASSERT_EQ(units.size(), 1003u);
@@ -71,7 +71,7 @@ TEST_F(HeldPictureEncoderTest, aHeldPictureIsEncodedOnceAndItsKeyFrameOnce) {
 TEST_F(HeldPictureEncoderTest, theCounterOfFramesNeverSkipsAndStartsOverAtKeyFrames) {
   HeldPictureEncoder held = encoder(RepeatCoding::Reuse);
   for (unsigned picture = 0; picture < 40; ++picture) {
-    held.show(noise(picture, 0x3f3f3f), {});
+    held.show(noise(picture, 0x3f3f3f), {}, Stay::Long);
     for (unsigned i = 0; i < picture % 23; ++i) held.hold();
   }
   uint32_t expected = 0;
@@ -88,13 +88,25 @@ TEST_F(HeldPictureEncoderTest, aStormOfPicturesKeepsToTheRateAndThePictureThatSt
   constexpr int rate = 1000000;
   HeldPictureEncoder held = encoder(RepeatCoding::Reuse, rate);
   constexpr int storm = 5 * framesPerSecond, still = 54;  // 1.8 s
-  for (unsigned i = 0; i < storm; ++i) held.show(noise(i), {});
+  for (unsigned i = 0; i < storm; ++i) held.show(noise(i), {}, Stay::Long);
   for (int i = 0; i < still; ++i) held.hold();
   EXPECT_LE(static_cast<double>(bytesFrom(0) * 8), rate * (storm + still) / 30.0 * 1.05);
   for (int i = 0; i < 150; ++i) held.hold();
   const AccessUnit& refined =
       *std::find_if(units.begin() + storm, units.end(), [](const AccessUnit& unit) { return unit.isIdr; });
   EXPECT_GT(refined.bytes.size(), units[0].bytes.size() * 9 / 10) << "as fine as the first one";
+}
+
+TEST_F(HeldPictureEncoderTest, aBriefPictureIsCoarserAndMadeGoodWithoutAKeyFrameIfItStays) {
+  HeldPictureEncoder held = encoder(RepeatCoding::Reuse);
+  held.show(noise(0), {}, Stay::Long);
+  held.show(noise(1), {}, Stay::Long);
+  held.show(noise(2), {}, Stay::Brief);
+  for (int i = 0; i < 4; ++i) held.hold();
+  EXPECT_LT(units[2].bytes.size(), units[1].bytes.size() * 9 / 10);
+  EXPECT_GT(units[3].bytes.size(), 500U);
+  EXPECT_LT(units[6].bytes.size(), 40u);
+  for (size_t i = 1; i < units.size(); ++i) EXPECT_FALSE(units[i].isIdr) << i;
 }
 
 }  // namespace

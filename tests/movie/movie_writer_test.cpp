@@ -53,7 +53,7 @@ struct MovieWriterTest : testing::Test {
   static void appendFrames(MovieWriter& writer, const QList<QImage>& frames) {
     for (qsizetype i = 0; i < frames.size(); ++i) {
       while (!writer.isReadyForMoreVideo()) QThread::msleep(1);
-      writer.appendFrame(frames[i], i);
+      writer.appendFrame(frames[i], i, Stay::Long);
     }
     writer.markVideoFinished();
   }
@@ -168,7 +168,7 @@ TEST_F(MovieWriterTest, aWriterDroppedMidwayLeavesNothingAndCallsNobody) {
     auto writer = makeMovieWriter(OutputFile(path));
     writer->addVideo(smallVideo);
     ASSERT_TRUE(writer->startWriting());
-    for (int i = 0; i < 4; ++i) writer->appendFrame(numbered(i), i);
+    for (int i = 0; i < 4; ++i) writer->appendFrame(numbered(i), i, Stay::Long);
     bool called = false;
     if (finishing) writer->finishWriting([&] { called = true; });
     writer.reset();
