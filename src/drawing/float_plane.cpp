@@ -1,5 +1,7 @@
 #include "drawing/float_plane.h"
 
+#include "base/vectorised.h"
+
 #include <QtGlobal>
 #include <algorithm>
 #include <array>
@@ -19,6 +21,23 @@ std::vector<float> gaussianKernel(double sigma) {
   std::vector<float> kernel;
   for (double weight : weights) kernel.push_back(static_cast<float>(weight / sum));
   return kernel;
+}
+
+std::vector<float> ditherRow(std::size_t pixels, int y) {
+  std::vector<float> row(pixels);
+  for (std::size_t x = 0; x < pixels; ++x) row[x] = x < 8 ? ditherAt(static_cast<int>(x), y) : row[x - 8];
+  return row;
+}
+
+BRISKLET_VECTORISED void quantise(QRgb* __restrict pixels, const float* __restrict red,
+                                  const float* __restrict green, const float* __restrict blue,
+                                  const float* __restrict alpha, const float* __restrict dither, int count) {
+  for (int x = 0; x < count; ++x) {
+    const auto level = [d = dither[x]](float value) {
+      return static_cast<QRgb>(std::min(std::max(static_cast<int>(value * 255 + d), 0), 255));
+    };
+    pixels[x] = level(alpha[x]) << 24 | level(red[x]) << 16 | level(green[x]) << 8 | level(blue[x]);
+  }
 }
 
 }  // namespace
@@ -118,24 +137,23 @@ ColorPlanes colorsOf(const QImage& picture) {
   return planes;
 }
 
+void setPixels(QRgb* pixels, const std::array<std::vector<float>, 4>& rows, int y) {
+  const std::vector<float> dither = ditherRow(rows[0].size(), y);
+  quantise(pixels, rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data(), dither.data(),
+           static_cast<int>(dither.size()));
+}
+
 QImage enlarged(const ColorPlanes& planes, const QSize& pixels) {
   QImage picture(pixels, QImage::Format_RGB32);
   const PlaneEnlarger enlarger(planes[0].width, pixels.width(),
                                static_cast<double>(planes[0].width) / pixels.width());
   const double cellsPerPixelY = static_cast<double>(planes[0].height) / pixels.height();
-  std::array<std::vector<float>, 3> rows;
-  for (auto& row : rows) row.resize(static_cast<std::size_t>(pixels.width()));
+  std::array<std::vector<float>, 4> rows;
+  for (auto& row : rows) row.assign(static_cast<std::size_t>(pixels.width()), 1);
   for (int y = 0; y < pixels.height(); ++y) {
     for (std::size_t channel = 0; channel < planes.size(); ++channel)
       enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
-    auto* line = reinterpret_cast<QRgb*>(picture.scanLine(y));
-    for (int x = 0; x < pixels.width(); ++x) {
-      const auto level = [&, dither = ditherAt(x, y)](std::size_t channel) {
-        return std::clamp(static_cast<int>(rows[channel][static_cast<std::size_t>(x)] * 255 + dither), 0,
-                          255);
-      };
-      line[x] = qRgb(level(0), level(1), level(2));
-    }
+    setPixels(reinterpret_cast<QRgb*>(picture.scanLine(y)), rows, y);
   }
   return picture;
 }

@@ -56,6 +56,9 @@ class PlaneEnlarger {
 using ColorPlanes = std::array<FloatPlane, 3>;
 [[nodiscard]] ColorPlanes colorsOf(const QImage& picture);
 
+/// Rows of red, green, blue and alpha, 0 to 1, as the pixels of row `y`, dithered.
+void setPixels(QRgb* pixels, const std::array<std::vector<float>, 4>& rows, int y);
+
 /// The planes as a picture of this size, RGB32, enlarged by the spline and dithered.
 [[nodiscard]] QImage enlarged(const ColorPlanes& planes, const QSize& pixels);
 

@@ -340,15 +340,7 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, Rendering r
   for (int y = 0; y < pixels.height(); ++y) {
     for (std::size_t channel = 0; channel < 4; ++channel)
       enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
-    auto* line = reinterpret_cast<QRgb*>(backdrop.scanLine(y));
-    for (int x = 0; x < pixels.width(); ++x) {
-      const float dither = ditherAt(x, y);
-      const auto level = [&](std::size_t channel) {
-        return std::clamp(static_cast<int>(rows[channel][static_cast<std::size_t>(x)] * 255 + dither), 0,
-                          255);
-      };
-      line[x] = qRgba(level(0), level(1), level(2), level(3));
-    }
+    setPixels(reinterpret_cast<QRgb*>(backdrop.scanLine(y)), rows, y);
   }
   return backdrop;
 }

@@ -117,7 +117,6 @@ Vec3 skyColour(float slopeX, float slopeZ) {
 }
 
 Vec3 shade(float x, float y, float slopeX, float slopeZ) {
-  const float z = height(x, y);
   const float footprint = std::max(0.03f, y / 3000);
   const float dx = (height(x + footprint, y) - height(x - footprint, y)) / (2 * footprint);
   const float dy = (height(x, y + footprint) - height(x, y - footprint)) / (2 * footprint);

@@ -29,7 +29,7 @@ const Scene scenes[] = {
 struct Format {
   int width, height, jpegQuality;
 };
-constexpr Format wallpaperFormat{1290, 2796, 95}, photoFormat{1200, 1600, 90};
+constexpr Format wallpaperFormat{1170, 2532, 95}, photoFormat{1200, 1600, 90};
 
 }  // namespace
 
