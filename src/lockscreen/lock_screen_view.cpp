@@ -78,11 +78,8 @@ QList<LockScreenCache::DrawnCard> LockScreenCache::drawn(const QList<StackedCard
     const double above = top + pixels.height() + scenery_.cardGlass().reach();
     if (top >= scenery_.picture().height() || above < 0) continue;
     constexpr QSizeF size(Metrics::cardWidth, Metrics::cardHeight);
-    const TimeShade& shade = shade_.get({card.ping.lockTimeLabel(), pixels}, [&] {
-      return timeShade(card.ping, size, pixels.width() / size.width());
-    });
-    result.append(
-        {contents_.image(card.ping, size, pixels, glyphs_), shade, top, std::clamp(card.opacity, 0.0, 1.0)});
+    result.append({contents_.image(card.ping, size, pixels, glyphs_),
+                   contents_.shade(card.ping, size, pixels), top, std::clamp(card.opacity, 0.0, 1.0)});
   }
   return result;
 }

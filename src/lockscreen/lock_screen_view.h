@@ -64,7 +64,6 @@ class LockScreenCache {
   LockScreenScenery scenery_;
   AppGlyphCache glyphs_;
   CardContentCache contents_;
-  Kept<std::pair<QString, QSize>, TimeShade> shade_;
 
   /// The scenery with plates at rest, on which only the cards' contents differ from frame to frame.
   Kept<std::pair<qint64, QList<double>>, QImage> plated_;

@@ -130,4 +130,11 @@ QImage CardContentCache::image(const Ping& ping, const QSizeF& card, const QSize
   return *contents_.object(key);
 }
 
+TimeShade CardContentCache::shade(const Ping& ping, const QSizeF& card, const QSize& pixels) {
+  const QStringList key{ping.lockTimeLabel(), QString::number(pixels.width())};
+  if (!shades_.contains(key))
+    shades_.insert(key, new TimeShade(timeShade(ping, card, pixels.width() / card.width())));
+  return *shades_.object(key);
+}
+
 }  // namespace brisklet

@@ -69,10 +69,13 @@ class CardContentCache {
   /// premultiplied.
   [[nodiscard]] QImage image(const Ping& ping, const QSizeF& card, const QSize& pixels,
                              AppGlyphCache& glyphs);
+  /// The shade behind the card's time, in its pixels.
+  [[nodiscard]] TimeShade shade(const Ping& ping, const QSizeF& card, const QSize& pixels);
 
  private:
   /// Twice what a canvas holds, so that a stack can change as a whole and back.
   QCache<QStringList, QImage> contents_{20};
+  QCache<QStringList, TimeShade> shades_{20};
 };
 
 }  // namespace brisklet
