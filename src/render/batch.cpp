@@ -66,7 +66,7 @@ void work(const QList<RenderJob>& jobs, const Photos& photos, int orders, int re
   qint32 place = 0;
   while (readWhole(orders, &place, sizeof place)) {
     const JobResult result = attempt(jobs[place], photos, {}, stop.get_token(), cache);
-    ::malloc_trim(0);  // each movie has threads of its own, and each of their heaps keeps what it had
+    ::malloc_trim(0);  // what stays is shared with the next movie, and the rest is free
     const QByteArray message = result.message.toUtf8();
     const ReportHead head{static_cast<qint32>(result.outcome), static_cast<quint32>(message.size())};
     if (!writeWhole(reports, &head, sizeof head) ||

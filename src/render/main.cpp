@@ -7,6 +7,7 @@
 #include "render/render_options.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <QDir>
@@ -48,6 +49,8 @@ class MadeFolder {
 class DrawingProcess {
  public:
   DrawingProcess(bool isVerbose, char** argv) {
+    // Each movie has threads of its own, and each of their heaps would keep what it had.
+    ::mallopt(M_ARENA_MAX, 2);
     setUpLibraries(isVerbose ? Remarks::Told : Remarks::Silent);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_NO_GLIB", "1");
