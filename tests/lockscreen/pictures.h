@@ -2,6 +2,7 @@
 
 #include "lockscreen/lock_screen_view.h"
 #include "model/catalogue.h"
+#include "support/ink_box.h"
 
 #include <QColor>
 #include <QImage>
@@ -49,17 +50,6 @@ inline int greatestDifference(const QImage& a, const QImage& b, const QRect& wit
     }
   }
   return greatest;
-}
-
-/// The box of the pixels within a rectangle that are ink.
-template <class IsInk>
-QRect inkBox(const QImage& image, const QRect& within, IsInk isInk) {
-  QRect box;
-  for (int y = within.top(); y <= within.bottom(); ++y) {
-    for (int x = within.left(); x <= within.right(); ++x)
-      if (isInk(image.pixelColor(x, y))) box |= QRect(x, y, 1, 1);
-  }
-  return box;
 }
 
 }  // namespace brisklet

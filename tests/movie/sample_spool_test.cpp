@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <vector>
@@ -19,9 +18,6 @@ TEST(SampleSpool, givesBackEverySampleInOrderFromDiskAndFromMemory) {
     samples.emplace_back(i == 20 ? 6000000 : i % 3 == 0 ? 100 : 650000, static_cast<uint8_t>(i));
   for (size_t i = 0; i < samples.size(); ++i)
     spool.append(samples[i], static_cast<int64_t>(i) * 3 - 1024, 1024, i % 7 == 0);
-  EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList())
-      << "nothing to leave behind";
-
   ASSERT_EQ(spool.samples().size(), samples.size());
   for (size_t i = 0; i < samples.size(); ++i) {
     const Sample& sample = spool.samples()[i];

@@ -56,31 +56,12 @@ TEST_F(PlayerTest, stoppingKeepsTheMomentAndPlayingStartsFromTheBeginning) {
   EXPECT_EQ(stateAfter(100), State(false, 500));
 }
 
-TEST_F(PlayerTest, onlyChangedValuesAreAnnounced) {
-  QSignalSpy elapsed(&player, &SequencePlayer::elapsedMsChanged);
-  QSignalSpy documents(&player, &SequencePlayer::documentChanged);
-  QSignalSpy playing(&player, &SequencePlayer::isPlayingChanged);
-  player.setElapsedMs(SequencePlayer::finishedMs);
-  player.setDocument(documentOf({700}));
-  player.stop();
-  EXPECT_EQ(elapsed.size() + documents.size() + playing.size(), 0);
-
-  player.setDocument(documentOf({701}));
-  player.setElapsedMs(33);
-  EXPECT_EQ(elapsed.size(), 1);
-  EXPECT_EQ(documents.size(), 1);
-}
-
-TEST_F(PlayerTest, anObserverMayStopTheRunOrStartAnotherAtItsLastTick) {
+TEST_F(PlayerTest, anObserverMayStartAnotherRunAtTheLastTick) {
   player.play();
-  const auto connection = QObject::connect(&player, &SequencePlayer::elapsedMsChanged, [this] {
+  QObject::connect(&player, &SequencePlayer::elapsedMsChanged, [this] {
     if (player.elapsedMs() == 2500) player.play();
   });
   EXPECT_EQ(stateAfter(2500), State(true, 0));
-  QObject::disconnect(connection);
-
-  QObject::connect(&player, &SequencePlayer::elapsedMsChanged, [this] { player.stop(); });
-  EXPECT_EQ(stateAfter(2500), State(false, 2500));
 }
 
 TEST_F(PlayerTest, anObserverMayStopTheRunAsItBegins) {

@@ -1,6 +1,5 @@
 #include "sound/tone_mixer.h"
 
-#include "sound/notification_sound_player.h"
 #include "sound/notification_sounds.h"
 
 #include <gtest/gtest.h>
@@ -44,34 +43,6 @@ TEST(ToneMixer, theEightMostRecentTonesSoundAndTheirSumIsClipped) {
   ToneMixer mixer;
   for (int i = 1; i <= 10; ++i) mixer.start({static_cast<float>(i) / 1000, 0.5f, -0.5f});
   EXPECT_EQ(drained(mixer, 3), pcmOf({0.052f, 1, -1}));  // 3 + ... + 10 thousandths
-}
-
-TEST(NotificationSoundPlayer, wakesTheOutputAndFeedsItWhatItAsksFor) {
-  struct Output : AudioOutput {
-    explicit Output(int& wakings) : count(wakings) {}
-    void wake() override { ++count; }
-    int& count;
-  };
-  int wakings = 0;
-  AudioSource* source = nullptr;
-  NotificationSoundPlayer player([&](AudioSource& asked) {
-    source = &asked;
-    return std::make_unique<Output>(wakings);
-  });
-  const std::vector<float> tone = NotificationSounds::rendered("messages");
-  std::vector<qint16> samples(tone.size());
-  player.prepare();
-  EXPECT_EQ(wakings, 1);
-  EXPECT_FALSE(source->next(samples));
-  player.play("messages");
-  EXPECT_EQ(wakings, 2);
-  EXPECT_TRUE(source->next(samples));
-  EXPECT_EQ(samples, pcmOf(tone));
-
-  // A device that was away must not play late what it missed.
-  player.play("messages");
-  source->skipWaiting();
-  EXPECT_FALSE(source->next(samples));
 }
 
 }  // namespace

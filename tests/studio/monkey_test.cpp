@@ -23,6 +23,7 @@
 #include <QThreadPool>
 #include <QWheelEvent>
 #include <atomic>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <random>
@@ -60,16 +61,7 @@ class Monkey {
     const QDeadlineTimer end(ms);
     while (!end.hasExpired() && !testing::Test::HasFailure()) step();
     for (const auto& each : exports_) each->promise.finish();
-    for (StudioWindow* each : windows()) {
-      const auto travel = [each](void (StudioView::*way)()) {
-        for (int i = 0; i < 300; ++i) (each->view().*way)();
-        return each->view().document();
-      };
-      const SequenceDocument last = travel(&StudioView::redo);
-      travel(&StudioView::undo);
-      EXPECT_EQ(travel(&StudioView::redo), last) << "All that is undone can be redone.";
-      delete each;
-    }
+    qDeleteAll(windows());
     QTest::qWait(1);
     std::cout << steps_ << " events" << std::endl;
   }
@@ -282,11 +274,11 @@ class Monkey {
     const auto run = anyOf(exports_);
     if (!oneIn(3)) {
       run->progress(below(100), 100);
-      return say("progress", {});
+      return say("progress");
     }
     run->fails = oneIn(2);
     end(run);
-    return say(run->fails ? "fail" : "finish", {});
+    return say(run->fails ? "fail" : "finish");
   }
   void end(const std::shared_ptr<Export>& run) {
     mayClose_ = true;
@@ -294,34 +286,21 @@ class Monkey {
     run->promise.finish();
   }
   QString treat(StudioWindow* window) {
-    switch (below(6)) {
-      case 0:
-        window->showMinimized();
-        return say("minimise", {});
-      case 1:
-        window->showNormal();
-        return say("restore", {});
-      case 2:
-        window->resize(1180 + below(400), 780 + below(200));
-        return say("resize", {});
-      case 3:
-        other_.show();
-        other_.activateWindow();
-        return say("other program", {});
-      case 4:
-        nowMs_ += below(3000);
-        QTest::qWait(20);
-        return say("wait", {});
-      default:
-        window->activateWindow();
-        return say("activate", {});
-    }
+    const std::pair<const char*, std::function<void()>> treatments[]{
+        {"minimise", [&] { window->showMinimized(); }},
+        {"restore", [&] { window->showNormal(); }},
+        {"resize", [&] { window->resize(1180 + below(400), 780 + below(200)); }},
+        {"other program", [&] { other_.show(), other_.activateWindow(); }},
+        {"wait", [&] { nowMs_ += below(3000), QTest::qWait(20); }},
+        {"activate", [&] { window->activateWindow(); }},
+    };
+    const auto& [name, treatment] = treatments[below(6)];
+    treatment();
+    return say(name);
   }
-  QString say(const QString& what, const QString& name) {
+  QString say(const QString& what, const QString& name = {}) {
     acts_.append(QString("%1 %2").arg(what, name));
     if (acts_.size() > 12) acts_.removeFirst();
-    if (qEnvironmentVariableIsSet("BRISKLET_MONKEY_TALKS"))
-      std::cout << steps_ << ' ' << acts_.last().toStdString() << std::endl;
     return mayDo(name);
   }
 

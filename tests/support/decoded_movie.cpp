@@ -1,6 +1,5 @@
 #include "support/decoded_movie.h"
 
-#include <QColor>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,24 +48,6 @@ QList<DecodedPicture> picturesIn(const QByteArray& yuv, const QSize& size) {
   return pictures;
 }
 
-/// What only the bytes of the file say.
-void readBoxes(DecodedMovie& movie, const QByteArray& bytes) {
-  qsizetype at = 0;
-  while (at + 8 <= bytes.size()) {
-    movie.boxes.append(QString::fromLatin1(bytes.sliced(at + 4, 4)));
-    at += std::max<qsizetype>(8, qFromBigEndian<quint32>(bytes.constData() + at));
-  }
-  if (at != bytes.size()) throw std::runtime_error("a box of an impossible size");
-  const auto byteAt = [&bytes](qsizetype i) { return static_cast<uchar>(bytes.at(i)); };
-  const qsizetype configuration = bytes.indexOf("avcC") + 4;
-  movie.sequenceParameterSets = byteAt(configuration + 5) & 31;
-  movie.pictureParameterSets =
-      byteAt(configuration + 8 + qFromBigEndian<quint16>(bytes.constData() + configuration + 6));
-  if (const qsizetype colour = bytes.indexOf("colrnclx") + 8; colour > 8)
-    movie.containerColour = {byteAt(colour + 1), byteAt(colour + 3), byteAt(colour + 5),
-                             byteAt(colour + 6) >> 7};
-}
-
 /// The times, places and kinds of the samples.
 void readPackets(DecodedMovie& movie, const QJsonArray& packets) {
   std::map<qint64, std::pair<QString, double>> places;
@@ -91,22 +72,8 @@ void readPackets(DecodedMovie& movie, const QJsonArray& packets) {
 int DecodedPicture::y(int x, int row) const {
   return static_cast<uchar>(luma.at(row * width + x));
 }
-int DecodedPicture::cbAt(int x, int row) const {
-  return static_cast<uchar>(cb.at(row / 2 * (width / 2) + x / 2));
-}
 int DecodedPicture::crAt(int x, int row) const {
   return static_cast<uchar>(cr.at(row / 2 * (width / 2) + x / 2));
-}
-
-QColor DecodedPicture::rgb(int x, int row) const {
-  const double luminance = (y(x, row) - 16) / 219.0;
-  const double blue = (cbAt(x, row) - 128) / 224.0 * 1.8556;
-  const double red = (crAt(x, row) - 128) / 224.0 * 1.5748;
-  const double green = -(0.2126 * red + 0.0722 * blue) / 0.7152;
-  const auto level = [luminance](double difference) {
-    return std::clamp(static_cast<int>(std::lround((luminance + difference) * 255)), 0, 255);
-  };
-  return QColor(level(red), level(green), level(blue));
 }
 
 std::vector<qint64> DecodedMovie::changes() const {
@@ -121,31 +88,22 @@ DecodedMovie decodedMovie(const QString& path) {
       QJsonDocument::fromJson(outputOf("ffprobe", {"-show_streams", "-show_packets", "-of", "json", path}))
           .object();
   DecodedMovie movie;
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) throw std::runtime_error("opening");
-  const QByteArray bytes = file.readAll();
-  readBoxes(movie, bytes);
-
   for (const QJsonValue& stream : probed["streams"].toArray()) {
     const auto said = [&stream](const char* key) { return stream[QLatin1String(key)].toString(); };
     if (said("codec_type") == "video") {
       movie.width = stream["width"].toInt();
       movie.height = stream["height"].toInt();
-      movie.videoCodec = said("codec_name");
-      movie.profile = said("profile");
-      movie.colour = QStringList{said("pix_fmt"), said("color_range"), said("color_primaries"),
-                                 said("color_transfer"), said("color_space")}
-                         .join(' ');
+      movie.video = QStringList{said("codec_name"), said("profile"), said("pix_fmt"), said("color_range"),
+                                said("color_space")}
+                        .join(' ');
       continue;
     }
     movie.hasAudio = true;
-    movie.audioCodec = said("codec_name");
-    movie.audioProfile = said("profile");
-    movie.sampleRate = said("sample_rate").toInt();
+    movie.audio = QStringList{said("codec_name"), said("profile"), said("sample_rate")}.join(' ');
     movie.channels.resize(static_cast<std::size_t>(stream["channels"].toInt()));
     if (said("start_time").toDouble() != 0) throw std::runtime_error("the sound does not start at 0");
     // The last packet is filled up with silence; the track ends before.
-    const auto samples = std::lround(said("duration").toDouble() * movie.sampleRate);
+    const auto samples = std::lround(said("duration").toDouble() * said("sample_rate").toInt());
     const QByteArray sound = decoded(path, {"-map", "0:a", "-f", "f32le"});
     const auto count = static_cast<qsizetype>(movie.channels.size());
     for (qsizetype i = 0; i < std::min<qsizetype>(samples * count, sound.size() / 4); ++i)

@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QImage>
 #include <QString>
-#include <QStringList>
 #include <vector>
 
 namespace brisklet {
@@ -17,9 +16,7 @@ struct DecodedPicture {
   QByteArray cr;
 
   [[nodiscard]] int y(int x, int row) const;
-  [[nodiscard]] int cbAt(int x, int row) const;
   [[nodiscard]] int crAt(int x, int row) const;
-  [[nodiscard]] QColor rgb(int x, int row) const;
 
   bool operator==(const DecodedPicture&) const = default;
 };
@@ -38,23 +35,14 @@ struct DecodedMovie {
 
   int width = 0;
   int height = 0;
-  QString videoCodec;  // "h264"
-  QString profile;     // "High"
-  /// Format, range, primaries, transfer and matrix: "yuv420p tv bt709 bt709 bt709".
-  QString colour;
-  /// The same as far as the container says it on its own: primaries, transfer, matrix, full range (`colr`).
-  std::vector<int> containerColour;
-  int sequenceParameterSets = 0;
-  int pictureParameterSets = 0;
+  /// Codec, profile, format, range and matrix: "h264 High yuv420p tv bt709".
+  QString video;
 
   bool hasAudio = false;
-  QString audioCodec;  // "aac"
-  QString audioProfile;
-  int sampleRate = 0;
+  QString audio;  // codec, profile, sample rate: "aac LC 44100"
   /// Samples of each channel, +-1, sample 0 at time 0 of the movie. What comes before is not heard.
   std::vector<std::vector<float>> channels;
 
-  QStringList boxes;  // of the file, in order
   /// How far the tracks are apart at the worst place of the file, in seconds: what a player must read ahead.
   double interleavingGap = 0;
 

@@ -114,12 +114,6 @@ def make_a_movie(program, window_manager):
         studio.click(600, 26, times=2)
         studio.wait(lambda: studio.geometry()[2] < width, "Another one restores it.")
 
-        studio.key("ctrl+n")
-        studio.wait(lambda: len(studio.windows()) == 2, "Another window opens.")
-        time.sleep(0.5)
-        studio.key("ctrl+w")
-        studio.wait(lambda: len(studio.windows()) == 1, "It closes by itself.")
-        time.sleep(0.5)
         studio.key("ctrl+q")
         expect(studio.studio.wait(20) == 0, "The program ends well.")
 

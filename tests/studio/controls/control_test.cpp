@@ -1,9 +1,7 @@
-#include "studio/controls/chip_grid.h"
 #include "studio/controls/clamped_text.h"
 #include "studio/controls/control_painting.h"
 #include "studio/controls/palette.h"
 #include "studio/controls/studio_line_edit.h"
-#include "studio/controls/tabular_text.h"
 #include "studio/stage_backdrop.h"
 #include "support/printing.h"
 
@@ -39,22 +37,6 @@ TEST(ControlPaintingTest, outlinesAreWholePixelsAtEveryScale) {
   }
 }
 
-TEST(ChipGridTest, columnsAreEqualAndFillTheWidth) {
-  const ChipRows six{.spacing = 8, .columns = 6};
-  EXPECT_EQ(chipPlaces(six, 252, 6).last(), QRect(216, 0, 36, 36)) << "35 1/3 points a column";
-  const ChipRows strips{.shape = ChipRows::Shape::Strip, .spacing = 6, .minColumnWidth = 88, .height = 28};
-  EXPECT_EQ(chipPlaces(strips, 276, 3).last(), QRect(188, 0, 88, 28));
-  EXPECT_EQ(chipPlaces(strips, 50, 2).last(), QRect(0, 34, 50, 28));
-}
-
-TEST(StageTest, phoneIsAsLargeAsFitsWithItsMargins) {
-  EXPECT_NEAR(phoneScale({744, 807}), 727 / 844.0, 1e-9);
-  EXPECT_NEAR(phoneScale({300, 2000}), 220 / 390.0, 1e-9);
-  EXPECT_EQ(phoneScale({100, 100}), 0.2);
-  EXPECT_EQ(phoneRect({100, 100}).center(), QPointF(50, 50));
-  EXPECT_NEAR(phoneRect({744, 807}).height(), 727, 1e-9);
-}
-
 TEST(StageTest, backdropFadesWithoutBands) {
   const QImage backdrop = stageBackdrop({744, 807}, 1);
   // Beside the phone the glow falls by a level in about forty pixels: dither mixes neighbouring levels.
@@ -62,12 +44,6 @@ TEST(StageTest, backdropFadesWithoutBands) {
   for (int i = 0; i < 16; ++i) levels.insert(backdrop.pixelColor(150 + i, 403).red());
   EXPECT_EQ(levels.size(), 2U);
   EXPECT_GT(*levels.begin(), backdrop.pixelColor(2, 403).red());
-}
-
-TEST(TabularTextTest, numbersOfEqualLengthAreEquallyWide) {
-  EXPECT_EQ(TabularText("lands at 1.1s", style).width(), TabularText("lands at 4.8s", style).width());
-  EXPECT_NE(TextLine("lands at 1.1s", style).width(), TextLine("lands at 4.8s", style).width());
-  EXPECT_LE(TabularText("1000000000000 pings", style, 40).width(), 40);
 }
 
 TEST(ClampedTextTest, textsTakeTheLinesTheyNeedAndDrawNothingBeyondTheWidth) {

@@ -12,7 +12,6 @@ TEST(DelayText, secondsAreReadAsWholeDecimalNumbersOnly) {
   for (const QString& each :
        QString("1,5=1500 -3=0 -0=0 +2=2000 .5=500 5.=5000 007=7000 2E-1=200 1e305=1e308 0e999=0").split(' '))
     EXPECT_EQ(readSeconds(each.section('=', 0, 0)), each.section('=', 1).toDouble()) << each.toStdString();
-  EXPECT_FALSE(std::signbit(*readSeconds("-0")));
   for (const QString& text : QString("-1e999|1e306|abc|| 2|2\n|.|--1|1,2.3|1e+|e5|0x10|inf|nan|٣").split('|'))
     EXPECT_FALSE(readSeconds(text)) << text.toStdString();
   EXPECT_FALSE(readSeconds(QString("1") + QChar(0) + "2"));
