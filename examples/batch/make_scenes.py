@@ -1,8 +1,9 @@
 """Makes a scene file of every row of a table: python3 make_scenes.py TABLE.csv DIRECTORY
 
-The table's columns: name, wallpaper, clock, app, sender, and then as many messages as you like. A row becomes
-DIRECTORY/NAME.json, a scene in which one sender's messages arrive one after another. An app of the studio is named
-as there; any other name gets a tile with its first letter.
+The table's columns: name, wallpaper, photo, clock, app, sender, and then as many messages as you like. A row becomes
+DIRECTORY/NAME.json, a scene in which one sender's messages arrive one after another. A photo, by its path from the
+table, takes the place of the wallpaper. An app of the studio is named as there; any other name gets a tile with its
+first letter.
 """
 
 import csv
@@ -19,13 +20,14 @@ def landings(messages):
         at += 500 + 35 * len(message)
 
 
-def scene(row):
-    name, wallpaper, clock, app, sender, *messages = row
+def scene(row, folder):
+    name, wallpaper, photo, clock, app, sender, *messages = row
     messages = [message for message in messages if message]
     look = {"appId": app.replace(" ", "").lower(), "appLabel": app, "icon": app[:1]}
     return name, {
         "title": name,
-        "wallpaper": wallpaper,
+        "wallpaper": "custom" if photo else wallpaper,
+        "wallpaperUrl": str((folder / photo).resolve()) if photo else "",
         "timeLabel": clock,
         "notifications": [
             look | {"title": sender, "message": message, "delayMs": at}
@@ -37,14 +39,14 @@ def scene(row):
 def main():
     if len(sys.argv) != 3:
         sys.exit(__doc__.split("\n")[0])
-    directory = pathlib.Path(sys.argv[2])
+    table_path, directory = map(pathlib.Path, sys.argv[1:])
     directory.mkdir(parents=True, exist_ok=True)
-    with open(sys.argv[1], encoding="utf-8", newline="") as table:
+    with open(table_path, encoding="utf-8", newline="") as table:
         rows = csv.reader(table)
         next(rows)
         for row in rows:
             if row:
-                name, document = scene(row)
+                name, document = scene(row, table_path.parent)
                 (directory / f"{name}.json").write_text(json.dumps(document, ensure_ascii=False, indent=2) + "\n", "utf-8")
 
 
