@@ -123,14 +123,14 @@ TEST_F(VideoExporterTest, theMovieShowsWhatTheLockScreenPaintsAndSoundsWhatTheTo
 }
 
 TEST_F(VideoExporterTest, aMovieHasOneWallpaperWhateverHappensToThePhoto) {
-  SequenceDocument document = documentOf({100, 600});
+  SequenceDocument document = documentOf({100, 600, 1100, 1600});
   document.wallpaper = "custom";
   document.wallpaperUrl = savedPhoto(Qt::red);
   waitForTask(VideoExporter::exportMovie(document, {}, path, [this](qint64 framesDone, qint64) {
     if (framesDone == 10) savedPhoto(Qt::blue);
   }));
   const DecodedMovie movie = decodedMovie(path);
-  EXPECT_EQ(movie.changes(), (std::vector<qint64>{3, 18}));
+  EXPECT_EQ(movie.changes(), (std::vector<qint64>{3, 18, 33, 48}));
   EXPECT_GT(movie.pictureAt(movie.frames.size() - 1).crAt(600, 1900), 200) << "still red";
 }
 
