@@ -78,12 +78,12 @@ QImage resampled(const QImage& picture, const QRectF& source, const QSize& pixel
     in = in.scaled(doubled, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   }
 
+  QImage out(pixels, in.format());
+  if (in.isNull() || out.isNull()) return {};
   const Taps across(part.left(), part.width(), in.width(), pixels.width());
   const Taps down(part.top(), part.height(), in.height(), pixels.height());
   const std::size_t samples = static_cast<std::size_t>(in.width()) * channels;
   std::vector<float> blended(samples);
-  QImage out(pixels, in.format());
-  if (in.isNull() || out.isNull()) return {};
   for (int y = 0; y < pixels.height(); ++y) {
     std::fill(blended.begin(), blended.end(), 0.0F);
     for (int k = 0; k < down.perPixel; ++k) {
