@@ -192,7 +192,6 @@ TEST_F(BriskletRender, saysInOneLineWhatIsWrongAndTouchesNothing) {
   EXPECT_EQ(read("photo.png"), "precious");
   EXPECT_EQ(read("locked/out.mp4"), "old");
   EXPECT_EQ(run({"endless.json", "--still", "out.png"}).status, 0) << "a picture has no length";
-  EXPECT_EQ(run({"scene.json"}).status, 2);
 }
 
 TEST_F(BriskletRender, aBatchGoesOnAfterABadSceneAndSparesThePhotosOfAll) {
@@ -227,7 +226,9 @@ TEST_F(BriskletRender, aWorkerThatDiesTakesOneMovieWithItAndTheNextRunMakesThatO
     QFile children(QString("/proc/%1/task/%1/children").arg(process.processId()));
     if (children.open(QIODevice::ReadOnly)) workers = children.readAll();
   }
-  kill(workers.left(workers.indexOf(' ')).toInt(), SIGKILL);
+  const int worker = workers.left(workers.indexOf(' ')).toInt();
+  ASSERT_GT(worker, 0) << "and 0 would be this process and all beside it";
+  kill(worker, SIGKILL);
   ASSERT_TRUE(process.waitForFinished(120000));
   EXPECT_EQ(process.exitCode(), 1);
   const QString said = QString::fromUtf8(process.readAllStandardError());
