@@ -11,8 +11,9 @@ namespace {
 
 TEST(ContinuousCorners, theCurvatureOfTheOutlineNeverJumps) {
   constexpr int samples = 4000;
-  for (const auto& [width, height, radius] : {std::array{354.0, 76.0, 28.0}, std::array{38.0, 38.0, 10.0},
+  for (const auto& [width, height, corner] : {std::array{354.0, 76.0, 28.0}, std::array{38.0, 38.0, 10.0},
                                               std::array{390.0, 844.0, 44.0}, std::array{58.0, 58.0, 29.0}}) {
+    const double radius = corner;  // which a lambda may capture
     const QPainterPath path = continuousRoundedRect({0, 0, width, height}, radius);
     const double step = path.length() / samples;
     // The turn from one sample to the next, times the radius.

@@ -104,7 +104,7 @@ class Monkey {
     return services;
   }
   QCoro::Task<> runExport(StudioView::Progress progress, std::stop_token stop) {
-    const auto run = std::make_shared<Export>(progress, stop);
+    const auto run = std::make_shared<Export>(Export{progress, stop, {}, false});
     run->promise.start();
     exports_.append(run);
     co_await run->promise.future();
