@@ -8,6 +8,7 @@ first letter.
 
 import csv
 import json
+import os
 import pathlib
 import sys
 
@@ -20,14 +21,14 @@ def landings(messages):
         at += 500 + 35 * len(message)
 
 
-def scene(row, folder):
+def scene(row, table, directory):
     name, wallpaper, photo, clock, app, sender, *messages = row
     messages = [message for message in messages if message]
     look = {"appId": app.replace(" ", "").lower(), "appLabel": app, "icon": app[:1]}
     return name, {
         "title": name,
         "wallpaper": "custom" if photo else wallpaper,
-        "wallpaperUrl": str((folder / photo).resolve()) if photo else "",
+        "wallpaperUrl": os.path.relpath(table.parent / photo, directory) if photo else "",
         "timeLabel": clock,
         "notifications": [
             look | {"title": sender, "message": message, "delayMs": at}
@@ -46,7 +47,7 @@ def main():
         next(rows)
         for row in rows:
             if row:
-                name, document = scene(row, table_path.parent)
+                name, document = scene(row, table_path, directory)
                 (directory / f"{name}.json").write_text(json.dumps(document, ensure_ascii=False, indent=2) + "\n", "utf-8")
 
 
