@@ -14,11 +14,11 @@ constexpr size_t lengthBytes = 4;
 constexpr int longestSecondsBetweenIdrs = 5;
 constexpr int secondsUntilAChangeIsIdr = 3;
 
-// Quality is constant: one quantiser for key frames and changes alike, so that a picture is as good at its
-// first frame as at any later one. At 14 grain of any strength keeps 47 dB of its luma, in key frames and in
-// changes, and ordinary pictures have 50 to 58; at 15 it would be 46.4.
+// The quality of what stays is constant: one quantiser for key frames and changes alike, so that a picture is
+// as good at its first frame as at any later one. At 14 grain of any strength keeps 47 dB of its luma, in key
+// frames and in changes, and ordinary pictures have 50 to 58; at 15 it would be 46.4.
 constexpr int usualQuantiser = 14;
-/// More, for pictures that are not seen for long.
+// For a picture that the next frame replaces. One that stays after all is made good by its first repeat.
 constexpr int briefRaise = 4;
 
 // The rate stays free as long as the movie is less than this ahead of its average: a movie goes on for 1.8 s

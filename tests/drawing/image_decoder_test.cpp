@@ -8,7 +8,6 @@
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
-#include <QtEndian>
 
 using namespace Qt::StringLiterals;
 
