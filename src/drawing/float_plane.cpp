@@ -1,5 +1,6 @@
 #include "drawing/float_plane.h"
 
+#include "base/cores.h"
 #include "base/vectorised.h"
 
 #include <QtGlobal>
@@ -130,31 +131,29 @@ ColorPlanes colorsOf(const QImage& picture) {
     planes[channel] = FloatPlane(picture.width(), picture.height());
     for (int y = 0; y < picture.height(); ++y) {
       const auto* line = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
-      for (int x = 0; x < picture.width(); ++x)
+      for (int x = 0; x < planes[channel].width; ++x)
         planes[channel].row(y)[x] = static_cast<float>(line[x] >> (16 - 8 * channel) & 0xff) / 255;
     }
   }
   return planes;
 }
 
-void setPixels(QRgb* pixels, const std::array<std::vector<float>, 4>& rows, int y) {
-  const std::vector<float> dither = ditherRow(rows[0].size(), y);
-  quantise(pixels, rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data(), dither.data(),
-           static_cast<int>(dither.size()));
-}
-
-QImage enlarged(const ColorPlanes& planes, const QSize& pixels) {
+QImage enlarged(std::span<const FloatPlane> planes, const QSize& pixels) {
   QImage picture(pixels, QImage::Format_RGB32);
   const PlaneEnlarger enlarger(planes[0].width, pixels.width(),
                                static_cast<double>(planes[0].width) / pixels.width());
   const double cellsPerPixelY = static_cast<double>(planes[0].height) / pixels.height();
-  std::array<std::vector<float>, 4> rows;
-  for (auto& row : rows) row.assign(static_cast<std::size_t>(pixels.width()), 1);
-  for (int y = 0; y < pixels.height(); ++y) {
-    for (std::size_t channel = 0; channel < planes.size(); ++channel)
-      enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
-    setPixels(reinterpret_cast<QRgb*>(picture.scanLine(y)), rows, y);
-  }
+  auto* line = reinterpret_cast<QRgb*>(picture.bits());
+  inHalves(0, pixels.height(), [&](int begin, int end) {
+    std::array<std::vector<float>, 4> rows;
+    for (auto& row : rows) row.assign(static_cast<std::size_t>(pixels.width()), 1);
+    for (int y = begin; y < end; ++y) {
+      for (std::size_t channel = 0; channel < planes.size(); ++channel)
+        enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
+      quantise(line + y * qsizetype{pixels.width()}, rows[0].data(), rows[1].data(), rows[2].data(),
+               rows[3].data(), ditherRow(rows[0].size(), y).data(), pixels.width());
+    }
+  });
   return picture;
 }
 

@@ -56,11 +56,9 @@ class PlaneEnlarger {
 using ColorPlanes = std::array<FloatPlane, 3>;
 [[nodiscard]] ColorPlanes colorsOf(const QImage& picture);
 
-/// Rows of red, green, blue and alpha, 0 to 1, as the pixels of row `y`, dithered.
-void setPixels(QRgb* pixels, const std::array<std::vector<float>, 4>& rows, int y);
-
-/// The planes as a picture of this size, RGB32, enlarged by the spline and dithered.
-[[nodiscard]] QImage enlarged(const ColorPlanes& planes, const QSize& pixels);
+/// The planes as a picture of this size, RGB32, enlarged by the spline and dithered: red, green and blue, and
+/// for the byte that is left a fourth one or 1.
+[[nodiscard]] QImage enlarged(std::span<const FloatPlane> planes, const QSize& pixels);
 
 /// The dither threshold of a pixel, between 0 and 1: added before a value is cut to an integer, it turns the
 /// fraction into a fixed fine pattern.

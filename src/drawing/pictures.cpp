@@ -48,7 +48,7 @@ QImage overBlack(QImage image) {
   image.convertTo(QImage::Format_ARGB32_Premultiplied);
   for (int y = 0; y < image.height(); ++y) {
     auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-    for (int x = 0; x < image.width(); ++x) row[x] |= 0xff000000U;
+    std::for_each(row, row + image.width(), [](QRgb& pixel) { pixel |= 0xff000000U; });
   }
   image.reinterpretAsFormat(QImage::Format_RGB32);
   return image;

@@ -1,6 +1,7 @@
 #include "export/frame_pictures.h"
 
 #include <algorithm>
+#include <limits>
 #include <new>
 
 namespace brisklet {
@@ -19,6 +20,10 @@ FramePictures::FramePictures(const SequenceDocument& document, const MovieStyle&
 
 QSize FramePictures::size(const MovieStyle& style) {
   return style.page.isEmpty() ? QSize(captureWidth, captureHeight) : style.page;
+}
+
+double FramePictures::nextLandingMs() const {
+  return landed_ < landingsMs_.size() ? landingsMs_[landed_] : std::numeric_limits<double>::infinity();
 }
 
 bool FramePictures::advance(double timeMs) {

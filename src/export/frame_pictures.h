@@ -28,6 +28,8 @@ class FramePictures {
 
   /// Whether the cards go on moving after the moment asked for last.
   [[nodiscard]] bool isMoving() const { return !stands_; }
+  /// When the next card lands. Until then a picture that does not move stays.
+  [[nodiscard]] double nextLandingMs() const;
 
  private:
   /// Brings the cards to this moment; whether any has landed since.

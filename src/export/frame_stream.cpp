@@ -1,11 +1,11 @@
 #include "export/frame_stream.h"
 
-#include "export/frame_pictures.h"
+#include "base/cores.h"
 #include "export/video_exporter.h"
 
 #include <pthread.h>
 
-#include <utility>
+#include <algorithm>
 
 namespace brisklet {
 
@@ -15,57 +15,52 @@ double momentMs(qint64 frame) {
   return static_cast<double>(frame) / VideoExporter::framesPerSecond * 1000;
 }
 
-/// So that progress is told now and then.
+/// So that progress is told and a stop is heard now and then.
 constexpr qint64 longestHold = 300;
 
 }  // namespace
 
-FrameStream::FrameStream(SequenceDocument document, MovieStyle style, qint64 frameCount,
-                         LockScreenCache& cache)
-    : thread_([this, document = std::move(document), style, frameCount, &cache] {
-        ::pthread_setname_np(::pthread_self(), "movie frames");
-        try {
-          paint(document, style, frameCount, cache);
-        } catch (...) {
-          failure_ = std::current_exception();
-        }
-        frames_.close();
-      }) {}
+FrameStream::FrameStream(const SequenceDocument& document, const MovieStyle& style, LockScreenCache& cache)
+    : pictures_(document, style, cache), frameCount_(VideoExporter::frameCount(document)) {
+  if (!hasOneCore) thread_ = std::jthread([this] { paintAhead(); });
+}
 
 FrameStream::~FrameStream() {
-  frames_.abandon();
+  ahead_.abandon();
 }
 
-void FrameStream::push(const HeldFrames& frames) {
-  if (frames.count == 0) return;
-  frames_.waitForRoom();
-  frames_.absorbOrPush(frames, [](const HeldFrames&, const HeldFrames&) { return false; });
-}
-
-void FrameStream::paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount,
-                        LockScreenCache& cache) {
-  FramePictures pictures(document, style, cache);
-  HeldFrames hold;  // the frames behind the one that showed its picture first
-  for (qint64 frame = 0; frame < frameCount && !frames_.isAbandoned(); ++frame) {
-    const QImage& picture = pictures.at(momentMs(frame));
-    const bool isHeld = frame > 0 && picture.cacheKey() == hold.picture.cacheKey();
-    if (isHeld && hold.count < longestHold) {
-      ++hold.count;
-      continue;
+void FrameStream::paintAhead() {
+  ::pthread_setname_np(::pthread_self(), "movie frames");
+  try {
+    while (!ahead_.isAbandoned()) {
+      ahead_.waitForRoom();
+      std::optional<HeldFrames> frames = paintNext();
+      if (!frames) break;
+      ahead_.push(std::move(*frames));
     }
-    push(hold);
-    if (isHeld) {
-      hold = {picture, frame, 1, Stay::Long};
-    } else {
-      push({picture, frame, 1, pictures.isMoving() ? Stay::Brief : Stay::Long});
-      hold = {picture, frame + 1, 0, Stay::Long};
-    }
+  } catch (...) {
+    failure_ = std::current_exception();
   }
-  push(hold);
+  ahead_.close();
+}
+
+std::optional<HeldFrames> FrameStream::paintNext() {
+  if (painted_ == frameCount_) return std::nullopt;
+  HeldFrames frames{pictures_.at(momentMs(painted_)), painted_, 1, Stay::Long};
+  if (pictures_.isMoving()) frames.stay = Stay::Brief;
+  const qint64 most = pictures_.isMoving() ? 1 : std::min(frameCount_ - painted_, longestHold);
+  while (frames.count < most && momentMs(painted_ + frames.count) < pictures_.nextLandingMs()) ++frames.count;
+  painted_ += frames.count;
+  return frames;
+}
+
+bool FrameStream::isReady() const {
+  return hasOneCore || ahead_.isReady();
 }
 
 std::optional<HeldFrames> FrameStream::next() {
-  std::optional<HeldFrames> frames = frames_.take();
+  if (hasOneCore) return paintNext();
+  std::optional<HeldFrames> frames = ahead_.take();
   if (!frames && failure_) std::rethrow_exception(failure_);
   return frames;
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "lockscreen/lock_screen_view.h"
-#include "model/movie_style.h"
-#include "model/sequence_document.h"
+#include "export/frame_pictures.h"
 #include "movie/bounded_queue.h"
 #include "movie/stay.h"
 
@@ -25,23 +23,24 @@ struct HeldFrames {
 class FrameStream {
  public:
   /// `cache` is this stream's alone as long as it lives.
-  FrameStream(SequenceDocument document, MovieStyle style, qint64 frameCount, LockScreenCache& cache);
+  FrameStream(const SequenceDocument& document, const MovieStyle& style, LockScreenCache& cache);
   ~FrameStream();
 
   /// Whether `next` returns at once.
-  [[nodiscard]] bool isReady() const { return frames_.isReady(); }
+  [[nodiscard]] bool isReady() const;
 
   /// The next frames, waiting for them; nothing after the last. The same picture may come in several pieces.
   /// Throws what painting threw.
   [[nodiscard]] std::optional<HeldFrames> next();
 
  private:
-  void paint(const SequenceDocument& document, const MovieStyle& style, qint64 frameCount,
-             LockScreenCache& cache);
+  [[nodiscard]] std::optional<HeldFrames> paintNext();
+  void paintAhead();
 
-  void push(const HeldFrames& frames);
-
-  BoundedQueue<HeldFrames> frames_{1};
+  FramePictures pictures_;
+  const qint64 frameCount_;
+  qint64 painted_ = 0;
+  BoundedQueue<HeldFrames> ahead_{1};
   std::exception_ptr failure_;  // written before the queue is closed, and read after
   std::jthread thread_;
 };

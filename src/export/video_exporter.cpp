@@ -55,18 +55,15 @@ void refuseOverwritingThePhoto(const SequenceDocument& document, const QString& 
 
 QCoro::Task<> appendVideo(const SequenceDocument& document, const MovieStyle& style, LockScreenCache& cache,
                           MovieWriter& writer, EventLoopTurn& turn, const VideoExporter::Progress& progress) {
-  const qint64 frameCount = VideoExporter::frameCount(document);
-  FrameStream stream(document, style, frameCount, cache);
+  FrameStream stream(document, style, cache);
   while (true) {
+    if (turn.isOver()) co_await turn.pause();
+    while (!writer.isReadyForMoreVideo()) co_await turn.pause(readinessPoll);
     while (!stream.isReady()) co_await turn.pause(paintingPoll);
     const std::optional<HeldFrames> frames = stream.next();
     if (!frames) break;
-    for (qint64 frame = frames->first; frame < frames->first + frames->count; ++frame) {
-      if (turn.isOver()) co_await turn.pause();
-      while (!writer.isReadyForMoreVideo()) co_await turn.pause(readinessPoll);
-      writer.appendFrame(frames->picture, frame, frames->stay);
-      if (progress) progress(frame + 1, frameCount);
-    }
+    writer.appendFrames(frames->picture, frames->first, frames->count, frames->stay);
+    if (progress) progress(frames->first + frames->count, VideoExporter::frameCount(document));
   }
   writer.markVideoFinished();
 }
@@ -134,14 +131,13 @@ void VideoExporter::requireExportable(const SequenceDocument& document) {
 }
 
 QCoro::Task<> VideoExporter::exportMovie(SequenceDocument document, MovieStyle style, QString path,
-                                         Progress progress, std::stop_token stop, MakeWriter makeWriter,
-                                         LockScreenCache* cache) {
+                                         Progress progress, std::stop_token stop, LockScreenCache* cache) {
   requireExportable(document);
   refuseOverwritingThePhoto(document, path);
   LockScreenCache own;
   OutputFile file(path);
   file.removeFormer();
-  const std::unique_ptr<MovieWriter> writer = makeWriter(std::move(file));
+  const std::unique_ptr<MovieWriter> writer = makeMovieWriter(std::move(file));
   EventLoopTurn turn(std::move(stop));
   co_await write(document, style, cache ? *cache : own, *writer, turn, progress);
 }

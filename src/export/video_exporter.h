@@ -27,7 +27,6 @@ inline constexpr double longestMs = 24.0 * 60 * 60 * 1000;
 
 /// Frames appended so far, and frames in all. Called on the exporting thread.
 using Progress = std::function<void(qint64 framesDone, qint64 frames)>;
-using MakeWriter = std::function<std::unique_ptr<MovieWriter>(OutputFile file)>;
 
 /// The number of frames of a document's movie; frame i shows the moment i / 30 s. At least one.
 [[nodiscard]] qint64 frameCount(const SequenceDocument& document);
@@ -43,7 +42,6 @@ void requireExportable(const SequenceDocument& document);
 /// went wrong.
 [[nodiscard]] QCoro::Task<> exportMovie(SequenceDocument document, MovieStyle style, QString path,
                                         Progress progress = {}, std::stop_token stop = {},
-                                        MakeWriter makeWriter = makeMovieWriter,
                                         LockScreenCache* cache = nullptr);
 
 }  // namespace VideoExporter

@@ -1,5 +1,6 @@
 #include "lockscreen/lock_glass.h"
 
+#include "base/cores.h"
 #include "base/vectorised.h"
 #include "drawing/continuous_corners.h"
 #include "drawing/float_plane.h"
@@ -11,7 +12,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <thread>
 
 namespace brisklet {
 namespace {
@@ -310,18 +310,11 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, Rendering r
   const QImage small = wallpaper.scaled(cells, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
                            .convertToFormat(QImage::Format_RGB32);
 
-  // Red, green, blue and gleam.
-  std::array<FloatPlane, 4> planes;
+  std::array<FloatPlane, 4> planes;  // red, green, blue and gleam
+  const ColorPlanes colors = colorsOf(small);
+  for (std::size_t channel = 0; channel < 3; ++channel)
+    planes[channel] = blurred(colors[channel], look.blur / gridStep);
   planes[3] = FloatPlane(cells.width(), cells.height());
-  for (std::size_t channel = 0; channel < 3; ++channel) {
-    FloatPlane plane(cells.width(), cells.height());
-    for (int y = 0; y < cells.height(); ++y) {
-      const auto* line = reinterpret_cast<const QRgb*>(small.constScanLine(y));
-      for (int x = 0; x < cells.width(); ++x)
-        plane.row(y)[x] = static_cast<float>(line[x] >> (16 - 8 * channel) & 0xff) / 255;
-    }
-    planes[channel] = blurred(plane, look.blur / gridStep);
-  }
   for (std::size_t i = 0; i < planes[0].samples.size(); ++i) {
     const float red = planes[0].samples[i], green = planes[1].samples[i], blue = planes[2].samples[i];
     planes[3].samples[i] = gleamOf(lumaOf(red, green, blue));
@@ -331,18 +324,7 @@ QImage glassBackdrop(const QImage& wallpaper, double pixelsPerPoint, Rendering r
     planes[2].samples[i] = color.blue;
   }
 
-  QImage backdrop(pixels, QImage::Format_RGB32);
-  const double cellsPerPixelX = static_cast<double>(cells.width()) / pixels.width();
-  const double cellsPerPixelY = static_cast<double>(cells.height()) / pixels.height();
-  const PlaneEnlarger enlarger(cells.width(), pixels.width(), cellsPerPixelX);
-  std::array<std::vector<float>, 4> rows;
-  for (auto& row : rows) row.resize(static_cast<std::size_t>(pixels.width()));
-  for (int y = 0; y < pixels.height(); ++y) {
-    for (std::size_t channel = 0; channel < 4; ++channel)
-      enlarger.row(planes[channel], (y + 0.5) * cellsPerPixelY, rows[channel]);
-    setPixels(reinterpret_cast<QRgb*>(backdrop.scanLine(y)), rows, y);
-  }
-  return backdrop;
+  return enlarged(planes, pixels);
 }
 
 LockGlass::LockGlass(const QSize& plateSize, double cornerRadius, double pixelsPerPoint, Rendering rendering)
@@ -383,26 +365,28 @@ void LockGlass::buildField(double radius) {
   columns_ = margin_ + cornerColumns;
   rows_ = margin_ + (size_.height() + 1) / 2 + 2;
 
-  field_.resize(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_));
-  for (int row = 0; row < rows_; ++row) {
-    for (int column = 0; column < columns_; ++column) {
-      const QPointF p(column - margin_ + 0.5, row - margin_);
-      double nearest = 1e30, side = 1;
-      for (const Segment& segment : segments) {
-        const QPointF from = p - segment.start;
-        const double share =
-            std::clamp(QPointF::dotProduct(from, segment.along) / segment.lengthSquared, 0.0, 1.0);
-        const QPointF apart = from - share * segment.along;
-        const double distance = QPointF::dotProduct(apart, apart);
-        if (distance >= nearest) continue;
-        nearest = distance;
-        // The outline runs clockwise on the screen, so its inside lies to its right.
-        side = segment.along.x() * from.y() - segment.along.y() * from.x() > 0 ? -1 : 1;
-      }
-      field_[static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
-             static_cast<std::size_t>(column)] = static_cast<float>(side * std::sqrt(nearest));
+  const auto distanceAt = [&segments](const QPointF& p) {
+    double nearest = 1e30, side = 1;
+    for (const Segment& segment : segments) {
+      const QPointF from = p - segment.start;
+      const double share =
+          std::clamp(QPointF::dotProduct(from, segment.along) / segment.lengthSquared, 0.0, 1.0);
+      const QPointF apart = from - share * segment.along;
+      const double distance = QPointF::dotProduct(apart, apart);
+      if (distance >= nearest) continue;
+      nearest = distance;
+      // The outline runs clockwise on the screen, so its inside lies to its right.
+      side = segment.along.x() * from.y() - segment.along.y() * from.x() > 0 ? -1 : 1;
     }
-  }
+    return static_cast<float>(side * std::sqrt(nearest));
+  };
+  field_.resize(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_));
+  inHalves(0, rows_, [&](int begin, int end) {
+    float* out = field_.data() + static_cast<std::size_t>(begin) * static_cast<std::size_t>(columns_);
+    for (int row = begin; row < end; ++row)
+      for (int column = 0; column < columns_; ++column)
+        *out++ = distanceAt({column - margin_ + 0.5, static_cast<double>(row - margin_)});
+  });
 }
 
 void LockGlass::buildLight(double pixelsPerPoint, Rendering rendering) {
@@ -581,10 +565,7 @@ void LockGlass::paint(QImage& target, const QImage& backdrop, int left,
             last = std::min(target.height(), static_cast<int>(bottom));
   if (first >= last) return;
   const Rows rows{reinterpret_cast<QRgb*>(target.bits()), target.bytesPerLine() / 4, target.width()};
-  // Rows know nothing of each other: half of them are painted beside the others.
-  const int middle = (first + last) / 2;
-  std::jthread upper([&] { paintRows(rows, first, middle, backdrop, left, plates); });
-  paintRows(rows, middle, last, backdrop, left, plates);
+  inHalves(first, last, [&](int begin, int end) { paintRows(rows, begin, end, backdrop, left, plates); });
 }
 
 void LockGlass::paintRows(const Rows& rows, int firstRow, int lastRow, const QImage& backdrop, int left,

@@ -74,8 +74,8 @@ class CardContentCache {
 
  private:
   /// Twice what a canvas holds, so that a stack can change as a whole and back.
-  QCache<QStringList, QImage> contents_{20};
-  QCache<QStringList, TimeShade> shades_{20};
+  QCache<QStringList, QImage> contents_{12};
+  QCache<QStringList, TimeShade> shades_{12};
 };
 
 }  // namespace brisklet

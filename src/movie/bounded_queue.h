@@ -26,12 +26,10 @@ class BoundedQueue {
     changed_.wait(lock, [this] { return hasRoomLocked(); });
   }
 
-  /// Offers `value` to the one that was pushed last, if it is still here, so that it can take it in; pushes
-  /// it if `absorb` returns false. Never waits.
-  template <typename Absorb>
-  void absorbOrPush(T value, Absorb absorb) {
+  /// Never waits.
+  void push(T value) {
     const std::lock_guard lock(mutex_);
-    if (abandoned_ || (!values_.empty() && absorb(values_.back(), value))) return;
+    if (abandoned_) return;
     values_.push_back(std::move(value));
     changed_.notify_all();
   }

@@ -9,8 +9,6 @@ namespace {
 
 constexpr size_t lengthBytes = 4;
 
-// Players seek to key frames. One is due after five seconds at the latest; from three seconds on the next
-// change of picture becomes one, which saves encoding that picture twice.
 constexpr int longestSecondsBetweenIdrs = 5;
 constexpr int secondsUntilAChangeIsIdr = 3;
 
@@ -21,9 +19,10 @@ constexpr int usualQuantiser = 14;
 // For a picture that the next frame replaces. One that stays after all is made good by its first repeat.
 constexpr int briefRaise = 4;
 
-// The rate stays free as long as the movie is less than this ahead of its average: a movie goes on for 1.8 s
-// after its last change, so it evens out. Only a storm of changes gets there; then the quantiser rises.
-constexpr double freeSeconds = 1.5;
+// The rate stays free as long as the pictures of this encoder, one of two, are less than this ahead of their
+// average: a movie goes on for 1.8 s after its last change, so it evens out. Only a storm of changes gets
+// there; then the quantiser rises.
+constexpr double freeSeconds = 1;
 constexpr double raisePerSecond = 60;
 
 constexpr int mostAttemptsAtRepeat = 3;
@@ -50,14 +49,24 @@ size_t unitLength(std::span<const uint8_t> accessUnit) {
 
 }  // namespace
 
-HeldPictureEncoder::HeldPictureEncoder(const H264Settings& settings, int averageBitRate, RepeatCoding repeats,
-                                       Sink sink)
+PictureCoding PictureGroups::append(bool isChange, int64_t frames) {
+  const bool isNewGroup =
+      isChange && (count_ == 0 || framesSinceIdr_ >= int64_t{secondsUntilAChangeIsIdr} * framesPerSecond_);
+  if (isNewGroup) {
+    ++count_;
+    framesSinceIdr_ = 0;
+  }
+  framesSinceIdr_ =
+      (framesSinceIdr_ + frames - 1) % (int64_t{longestSecondsBetweenIdrs} * framesPerSecond_) + 1;
+  return isNewGroup ? PictureCoding::Idr : PictureCoding::Predicted;
+}
+
+HeldPictureEncoder::HeldPictureEncoder(const H264Settings& settings, int averageBitRate, Sink sink)
     : encoder_(settings),
       framesPerSecond_(settings.framesPerSecond),
       averageBitRate_(averageBitRate),
-      sink_(std::move(sink)) {
-  if (repeats == RepeatCoding::Reuse) movable_ = movableSlices(encoder_.sequenceParameters());
-}
+      sink_(std::move(sink)),
+      movable_(movableSlices(encoder_.sequenceParameters())) {}
 
 std::vector<uint8_t> HeldPictureEncoder::decoderConfiguration() const {
   const std::vector<uint8_t>& sps = encoder_.sequenceParameters();
@@ -72,11 +81,11 @@ std::vector<uint8_t> HeldPictureEncoder::decoderConfiguration() const {
   return record;
 }
 
-void HeldPictureEncoder::show(std::shared_ptr<const YuvPicture> picture, std::span<const uint8_t> unchanged,
-                              Stay stay) {
+void HeldPictureEncoder::show(std::shared_ptr<const YuvPicture> picture, PictureCoding coding,
+                              std::span<const uint8_t> unchanged, Stay stay) {
   picture_ = std::move(picture);
   idr_.clear();
-  if (frames_ == 0 || framesSinceIdr_ >= secondsUntilAChangeIsIdr * framesPerSecond_)
+  if (coding == PictureCoding::Idr)
     encodeIdr();
   else
     encodePredicted(movable_ ? unchanged : std::span<const uint8_t>(), stay);

@@ -14,15 +14,26 @@
 
 namespace brisklet {
 
-/// What a frame costs that shows the same picture as the one before.
-enum class RepeatCoding {
-  /// A hundred bytes that were encoded once and are written again.
-  Reuse,
-  /// An encoding of its own, as if nothing were known of it.
-  EncodeEvery
+/// Divides a movie into groups of pictures that know nothing of each other. Each begins with a key frame, for
+/// players to seek to. One is due after five seconds at the latest; from three seconds on the next change of
+/// picture becomes one and begins a group, which saves encoding that picture twice.
+class PictureGroups {
+ public:
+  explicit PictureGroups(int framesPerSecond) : framesPerSecond_(framesPerSecond) {}
+
+  /// The next frames show another picture, or go on with the one before. Tells how the first is encoded.
+  PictureCoding append(bool isChange, int64_t frames);
+
+  /// Groups so far.
+  [[nodiscard]] size_t count() const { return count_; }
+
+ private:
+  int framesPerSecond_;
+  int64_t framesSinceIdr_ = 0;
+  size_t count_ = 0;
 };
 
-/// Encodes a movie in which pictures are held, at the cost of its different pictures.
+/// Encodes groups of a movie in which pictures are held, at the cost of its different pictures.
 ///
 /// A frame that repeats its predecessor is a predicted slice in which every macroblock is skipped. That slice
 /// is the same whatever the picture, but for `frame_num`, a counter in its header: x264 makes one, its
@@ -40,14 +51,15 @@ class HeldPictureEncoder {
   using Sink = std::function<void(std::span<const uint8_t> accessUnit, bool isIdr)>;
 
   /// The average rate, in bits per second, is a ceiling.
-  HeldPictureEncoder(const H264Settings& settings, int averageBitRate, RepeatCoding repeats, Sink sink);
+  HeldPictureEncoder(const H264Settings& settings, int averageBitRate, Sink sink);
 
   /// The decoder configuration record (ISO/IEC 14496-15) that the sample description carries.
   [[nodiscard]] std::vector<uint8_t> decoderConfiguration() const;
 
-  /// One frame of another picture. `unchanged` says of each macroblock whether (not 0) it is equal to the
-  /// picture shown before; it is empty if nothing is known.
-  void show(std::shared_ptr<const YuvPicture> picture, std::span<const uint8_t> unchanged, Stay stay);
+  /// One frame of another picture; a group begins with a key frame. `unchanged` says of each macroblock
+  /// whether (not 0) it is equal to the picture shown before; it is empty if nothing is known.
+  void show(std::shared_ptr<const YuvPicture> picture, PictureCoding coding,
+            std::span<const uint8_t> unchanged, Stay stay);
   /// One frame more of the picture shown last.
   void hold();
 

@@ -1,5 +1,6 @@
 #include "movie/movie_writer.h"
 
+#include "base/cores.h"
 #include "base/logging.h"
 #include "movie/aac_encoder.h"
 #include "movie/bounded_queue.h"
@@ -14,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QtEndian>
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -29,10 +31,9 @@ namespace brisklet {
 
 namespace {
 
-// Converted pictures take less than half the memory, so the longer queue is theirs. With room for two, a
-// frame that only holds a picture never waits: it becomes a part of the hold before it.
-constexpr size_t picturesInQueue = 2;
-constexpr size_t convertedInQueue = 3;
+// Converted pictures take less than half the memory, so the longer queue is theirs.
+constexpr size_t picturesInQueue = 1;
+constexpr size_t convertedInQueue = 2;
 constexpr size_t soundsInQueue = 64;
 constexpr int bytesPerSample = 2;
 
@@ -53,18 +54,11 @@ struct HeldRun {
 /// A picture on its way from conversion to encoding.
 struct ConvertedPicture {
   std::shared_ptr<const YuvPicture> picture;
+  PictureCoding coding = PictureCoding::Predicted;
   std::vector<uint8_t> unchanged;  // macroblocks equal to the picture before
 
   [[nodiscard]] bool isNull() const { return picture == nullptr; }
 };
-
-/// A run that only holds the picture before it becomes a part of that one's run.
-template <typename Picture>
-bool absorbRun(HeldRun<Picture>& last, const HeldRun<Picture>& next) {
-  const bool isContinued = next.picture.isNull() && next.first == last.first + last.frames;
-  if (isContinued) last.frames += next.frames;
-  return isContinued;
-}
 
 /// Samples, or so many silent frames if there are none.
 struct Sound {
@@ -72,19 +66,16 @@ struct Sound {
   qint64 silentFrames = 0;
 };
 
-bool absorbSilence(Sound& last, const Sound& next) {
-  const bool areSilent = last.silentFrames > 0 && next.silentFrames > 0;
-  if (areSilent) last.silentFrames += next.silentFrames;
-  return areSilent;
-}
-
-// Pictures go through a thread that converts them and one that encodes them, sound through a third. What is
-// encoded waits in spools, since all of the video is appended before the sound but a file must have them by
-// turns, behind an index that is known only at the end: one pass, after the last sample, writes the file from
-// beginning to end.
+// Pictures go through a thread that converts them and one of two that encode them, sound through another.
+// What is encoded waits in spools, since all of the video is appended before the sound but a file must have
+// them by turns, behind an index that is known only at the end: one pass, after the last sample, writes the
+// file from beginning to end.
+//
+// A group of pictures, from a key frame at which the picture changes to the next such one, knows nothing of
+// the others. So two encoders take the groups by turns, whatever the machine: the bytes do not depend on it.
 class FileMovieWriter final : public MovieWriter {
  public:
-  FileMovieWriter(OutputFile file, RepeatCoding repeats) : file_(std::move(file)), repeats_(repeats) {}
+  explicit FileMovieWriter(OutputFile file) : file_(std::move(file)) {}
 
   ~FileMovieWriter() override {
     isDropped_ = true;
@@ -120,9 +111,18 @@ class FileMovieWriter final : public MovieWriter {
       file_.append({"\0", 1});  // a full disk shows before the first picture
       openEncoders();
       setStatus(Status::Writing);
-      conversionThread_ = started("movie pictures", &FileMovieWriter::convertPictures);
-      videoThread_ = started("movie video", &FileMovieWriter::encodePictures);
-      audioThread_ = started("movie sound", &FileMovieWriter::encodeSounds);
+      if (hasOneCore) return;
+      for (VideoLane& lane : lanes_)
+        lane.thread = started("movie video", [&lane] {
+          while (const auto run = lane.queue.take()) encode(lane, *run);
+        });
+      conversionThread_ = started("movie pictures", [this] {
+        while (std::optional<HeldRun<QImage>> run = pictures_.take()) convert(std::move(*run));
+        for (VideoLane& lane : lanes_) lane.queue.close();
+      });
+      audioThread_ = started("movie sound", [this] {
+        while (const std::optional<Sound> sound = sounds_.take()) encode(*sound);
+      });
     });
     return status() == Status::Writing;
   }
@@ -130,14 +130,18 @@ class FileMovieWriter final : public MovieWriter {
   [[nodiscard]] bool isReadyForMoreVideo() const override { return pictures_.hasRoom(); }
   [[nodiscard]] bool isReadyForMoreAudio() const override { return sounds_.hasRoom(); }
 
-  bool appendFrame(const QImage& picture, qint64 frameIndex, Stay stay) override {
-    if (status() != Status::Writing || isVideoFinished_ || frameIndex < nextFrame_ ||
+  bool appendFrames(const QImage& picture, qint64 first, qint64 count, Stay stay) override {
+    if (status() != Status::Writing || isVideoFinished_ || first < nextFrame_ || count < 1 ||
         picture.width() != video_->width || picture.height() != video_->height)
       return false;
     const bool isRepeat = pictureKey_ == picture.cacheKey();
-    pictures_.absorbOrPush({isRepeat ? QImage() : picture, frameIndex, 1, stay}, absorbRun<QImage>);
+    HeldRun<QImage> run{isRepeat ? QImage() : picture, first, count, stay};
+    if (hasOneCore)
+      guarded([&] { convert(std::move(run)); });
+    else
+      pictures_.push(std::move(run));
     pictureKey_ = picture.cacheKey();
-    nextFrame_ = frameIndex + 1;
+    nextFrame_ = first + count;
     return true;
   }
 
@@ -145,9 +149,8 @@ class FileMovieWriter final : public MovieWriter {
     if (status() != Status::Writing || !audio_ || isAudioFinished_ || chunk.presentationTime < nextSound_ ||
         chunk.frames < 1 || chunk.pcm.size() != chunk.frames * audio_->channels * bytesPerSample)
       return false;
-    if (chunk.presentationTime > nextSound_)
-      sounds_.absorbOrPush({{}, chunk.presentationTime - nextSound_}, absorbSilence);
-    sounds_.absorbOrPush(isSilent(chunk.pcm) ? Sound{{}, chunk.frames} : Sound{chunk.pcm, 0}, absorbSilence);
+    if (chunk.presentationTime > nextSound_) take({{}, chunk.presentationTime - nextSound_});
+    take(isSilent(chunk.pcm) ? Sound{{}, chunk.frames} : Sound{chunk.pcm, 0});
     nextSound_ = chunk.presentationTime + chunk.frames;
     return true;
   }
@@ -169,10 +172,14 @@ class FileMovieWriter final : public MovieWriter {
     const auto complete = [this, completion = std::move(completion)] {
       QMetaObject::invokeMethod(&completionContext_, completion, Qt::QueuedConnection);
     };
+    if (hasOneCore) {
+      if (status() == Status::Writing) guarded([this] { writeMovie(); });
+      return complete();
+    }
     guarded([this, &complete] {
       finishingThread_ = std::jthread([this, complete] {
         ::pthread_setname_np(::pthread_self(), "movie file");
-        for (std::jthread* thread : {&conversionThread_, &videoThread_, &audioThread_})
+        for (std::jthread* thread : {&conversionThread_, &lanes_[0].thread, &lanes_[1].thread, &audioThread_})
           if (thread->joinable()) thread->join();
         if (isDropped_) return;
         if (status() == Status::Writing) guarded([this] { writeMovie(); });
@@ -197,20 +204,32 @@ class FileMovieWriter final : public MovieWriter {
     return {settings.sampleRate, settings.channels, settings.bitRate};
   }
 
+  /// An encoder and the groups of pictures that are its.
+  struct VideoLane {
+    BoundedQueue<HeldRun<ConvertedPicture>> queue{convertedInQueue};
+    std::optional<HeldPictureEncoder> encoder;
+    int64_t frame = 0;  // which is encoded
+    std::jthread thread;
+  };
+
   /// Debuggers and `top -H` show the name.
-  std::jthread started(const char* name, void (FileMovieWriter::*work)()) {
+  template <typename Work>
+  std::jthread started(const char* name, Work work) {
     return std::jthread([this, name, work] {
       ::pthread_setname_np(::pthread_self(), name);
-      guarded([this, work] { (this->*work)(); });
+      guarded(work);
     });
   }
 
   void openEncoders() {
-    videoEncoder_.emplace(H264Settings{video_->width, video_->height, video_->framesPerSecond},
-                          video_->averageBitRate, repeats_,
-                          [this](std::span<const uint8_t> accessUnit, bool isIdr) {
-                            videoSpool_.append(accessUnit, encodedFrame_++, 1, isIdr);
-                          });
+    groups_.emplace(video_->framesPerSecond);
+    for (VideoLane& lane : lanes_)
+      lane.encoder.emplace(H264Settings{video_->width, video_->height, video_->framesPerSecond},
+                           video_->averageBitRate,
+                           [this, &lane](std::span<const uint8_t> accessUnit, bool isIdr) {
+                             const std::lock_guard lock(videoSpoolMutex_);
+                             videoSpool_.append(accessUnit, lane.frame++, 1, isIdr);
+                           });
     if (audio_)
       audioEncoder_.emplace(encoderSettings(*audio_),
                             [this](std::span<const uint8_t> packet, int64_t time, int64_t duration) {
@@ -218,54 +237,54 @@ class FileMovieWriter final : public MovieWriter {
                             });
   }
 
-  void convertPictures() {
-    std::shared_ptr<const YuvPicture> previous;
-    while (std::optional<HeldRun<QImage>> run = pictures_.take()) {
-      ConvertedPicture converted;
-      if (!run->picture.isNull()) {
-        const QImage rgb = std::move(run->picture).convertToFormat(QImage::Format_RGB32);
-        auto picture = std::make_shared<YuvPicture>(rgb.width(), rgb.height());
-        picture->setFromRgb(reinterpret_cast<const uint32_t*>(rgb.constBits()), rgb.bytesPerLine() / 4);
-        if (previous) converted.unchanged = equalMacroblocks(*previous, *picture);
-        converted.picture = previous = std::move(picture);
-      }
-      converted_.waitForRoom();
-      converted_.absorbOrPush({std::move(converted), run->first, run->frames, run->stay},
-                              absorbRun<ConvertedPicture>);
+  void convert(HeldRun<QImage> run) {
+    ConvertedPicture converted;
+    converted.coding = groups_->append(!run.picture.isNull(), run.frames);
+    if (!run.picture.isNull()) {
+      const QImage rgb = std::move(run.picture).convertToFormat(QImage::Format_RGB32);
+      auto picture = std::make_shared<YuvPicture>(rgb.width(), rgb.height());
+      picture->setFromRgb(reinterpret_cast<const uint32_t*>(rgb.constBits()), rgb.bytesPerLine() / 4);
+      if (converted.coding == PictureCoding::Predicted)
+        converted.unchanged = equalMacroblocks(*converted_, *picture);
+      converted.picture = converted_ = std::move(picture);
     }
-    converted_.close();
+    VideoLane& lane = lanes_[groups_->count() % lanes_.size()];
+    HeldRun<ConvertedPicture> next{std::move(converted), run.first, run.frames, run.stay};
+    if (hasOneCore) return encode(lane, next);
+    lane.queue.waitForRoom();
+    lane.queue.push(std::move(next));
   }
 
-  void encodePictures() {
-    while (const std::optional<HeldRun<ConvertedPicture>> run = converted_.take()) {
-      encodedFrame_ = run->first;
-      const bool isNew = !run->picture.isNull();
-      if (isNew) videoEncoder_->show(run->picture.picture, run->picture.unchanged, run->stay);
-      for (qint64 i = isNew ? 1 : 0; i < run->frames && !converted_.isAbandoned(); ++i) videoEncoder_->hold();
-    }
+  static void encode(VideoLane& lane, const HeldRun<ConvertedPicture>& run) {
+    lane.frame = run.first;
+    const bool isNew = !run.picture.isNull();
+    if (isNew) lane.encoder->show(run.picture.picture, run.picture.coding, run.picture.unchanged, run.stay);
+    for (qint64 i = isNew ? 1 : 0; i < run.frames && !lane.queue.isAbandoned(); ++i) lane.encoder->hold();
   }
 
-  void encodeSounds() {
-    std::vector<int16_t> samples;
-    while (const std::optional<Sound> sound = sounds_.take()) {
-      if (sound->silentFrames > 0) {
-        audioEncoder_->appendSilence(sound->silentFrames);
-        continue;
-      }
-      samples.resize(static_cast<size_t>(sound->pcm.size() / bytesPerSample));
-      qFromLittleEndian<int16_t>(sound->pcm.constData(), static_cast<qsizetype>(samples.size()),
-                                 samples.data());
-      audioEncoder_->append(samples);
-    }
-    if (audioEncoder_ && !sounds_.isAbandoned()) audioEncoder_->finish();
+  void take(Sound sound) {
+    if (hasOneCore)
+      guarded([&] { encode(sound); });
+    else
+      sounds_.push(std::move(sound));
+  }
+
+  void encode(const Sound& sound) {
+    if (sound.silentFrames > 0) return audioEncoder_->appendSilence(sound.silentFrames);
+    samples_.resize(static_cast<size_t>(sound.pcm.size() / bytesPerSample));
+    qFromLittleEndian<int16_t>(sound.pcm.constData(), static_cast<qsizetype>(samples_.size()),
+                               samples_.data());
+    audioEncoder_->append(samples_);
   }
 
   void writeMovie() {
     if (videoSpool_.samples().empty()) throw MovieFailure(u"there is no picture to write"_s);
+    videoSpool_.sortByTime();
     const Mp4VideoTrack video{video_->width, video_->height, video_->framesPerSecond,
-                              videoEncoder_->decoderConfiguration(), videoSpool_};
+                              lanes_[0].encoder->decoderConfiguration(), videoSpool_};
     std::optional<Mp4AudioTrack> audio;
     if (audio_) {
+      audioEncoder_->finish();
       const auto configuration = audioEncoder_->decoderConfiguration();
       audio.emplace(Mp4AudioTrack{audio_->sampleRate,
                                   audio_->channels,
@@ -311,7 +330,7 @@ class FileMovieWriter final : public MovieWriter {
 
   void abandonQueues() {
     pictures_.abandon();
-    converted_.abandon();
+    for (VideoLane& lane : lanes_) lane.queue.abandon();
     sounds_.abandon();
   }
 
@@ -321,7 +340,6 @@ class FileMovieWriter final : public MovieWriter {
   }
 
   OutputFile file_;
-  const RepeatCoding repeats_;
   QObject completionContext_;  // what is queued for it dies with it
 
   // The calling thread's.
@@ -336,12 +354,14 @@ class FileMovieWriter final : public MovieWriter {
   // One thread's each, then the finishing thread's.
   SampleSpool videoSpool_{file_.folder()};
   SampleSpool audioSpool_{file_.folder()};
-  std::optional<HeldPictureEncoder> videoEncoder_;
+  std::mutex videoSpoolMutex_;
   std::optional<AacEncoder> audioEncoder_;
-  int64_t encodedFrame_ = 0;
+  std::vector<int16_t> samples_;
+  std::shared_ptr<const YuvPicture> converted_;  // the picture before
+  std::optional<PictureGroups> groups_;
 
   BoundedQueue<HeldRun<QImage>> pictures_{picturesInQueue};
-  BoundedQueue<HeldRun<ConvertedPicture>> converted_{convertedInQueue};
+  std::array<VideoLane, 2> lanes_;
   BoundedQueue<Sound> sounds_{soundsInQueue};
   mutable std::mutex mutex_;
   Status status_ = Status::Unknown;
@@ -349,7 +369,6 @@ class FileMovieWriter final : public MovieWriter {
   std::atomic<bool> isDropped_ = false;
 
   std::jthread conversionThread_;
-  std::jthread videoThread_;
   std::jthread audioThread_;
   std::jthread finishingThread_;
 };
@@ -357,11 +376,7 @@ class FileMovieWriter final : public MovieWriter {
 }  // namespace
 
 std::unique_ptr<MovieWriter> makeMovieWriter(OutputFile file) {
-  return std::make_unique<FileMovieWriter>(std::move(file), RepeatCoding::Reuse);
-}
-
-std::unique_ptr<MovieWriter> makeEveryFrameMovieWriter(OutputFile file) {
-  return std::make_unique<FileMovieWriter>(std::move(file), RepeatCoding::EncodeEvery);
+  return std::make_unique<FileMovieWriter>(std::move(file));
 }
 
 }  // namespace brisklet

@@ -47,11 +47,11 @@ class MovieWriter {
   [[nodiscard]] virtual bool isReadyForMoreVideo() const = 0;
   [[nodiscard]] virtual bool isReadyForMoreAudio() const = 0;
 
-  /// Takes a picture of the size of the video settings for presentation at `frameIndex` / framesPerSecond.
-  /// The same picture again, a copy of the same QImage (equal `cacheKey()`), is recognised as a repeat and
-  /// costs next to nothing. A frame left out makes the one before it last longer. False when the picture is
-  /// refused: of another size, or not later than the one before.
-  virtual bool appendFrame(const QImage& picture, qint64 frameIndex, Stay stay) = 0;
+  /// Takes a picture of the size of the video settings for so many frames, the first one for presentation at
+  /// `first` / framesPerSecond. A frame that repeats the one before costs next to nothing; a copy of the same
+  /// QImage (equal `cacheKey()`) is recognised. A frame left out makes the one before it last longer. False
+  /// when the picture is refused: of another size, or not later than the one before.
+  virtual bool appendFrames(const QImage& picture, qint64 first, qint64 count, Stay stay) = 0;
   /// What is left out between two chunks is silent. False when the chunk is refused.
   virtual bool appendAudio(const AudioChunk& chunk) = 0;
 
@@ -67,8 +67,5 @@ class MovieWriter {
 };
 
 [[nodiscard]] std::unique_ptr<MovieWriter> makeMovieWriter(OutputFile file);
-
-/// The same, but every frame is encoded on its own, repeats too: what re-use is measured against.
-[[nodiscard]] std::unique_ptr<MovieWriter> makeEveryFrameMovieWriter(OutputFile file);
 
 }  // namespace brisklet

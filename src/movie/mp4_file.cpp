@@ -183,6 +183,7 @@ int64_t mux(Output& output, const Mp4VideoTrack& video, const Mp4AudioTrack* aud
   }
   context->pb = output.io();
   context->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;  // no dates, no version
+  context->flush_packets = 0;
   checked(av_opt_set_int(context->priv_data, "moov_size", reservedBytes, 0), "preparing the movie");
   addVideoStream(context.get(), video);
   if (audio != nullptr) addAudioStream(context.get(), *audio);
@@ -201,7 +202,7 @@ int64_t mux(Output& output, const Mp4VideoTrack& video, const Mp4AudioTrack* aud
       blank.resize(std::max<size_t>(blank.size(), sample->bytes));
       data = std::span(blank).first(sample->bytes);
     } else {
-      data = track == 0 ? video.spool.next() : audio->spool.next();
+      data = (track == 0 ? video.spool : audio->spool).bytesOf(*sample);
     }
     const AVRational timeBase = {1, track == 0 ? video.framesPerSecond : audio->sampleRate};
     packet->stream_index = track;

@@ -26,11 +26,17 @@ UniqueFd namelessFile(const std::filesystem::path& folder) {
 void SampleSpool::append(std::span<const uint8_t> data, int64_t time, int64_t duration, bool isKey) {
   if (recent_.size() + data.size() > bytesInMemory) spill();
   recent_.reserve(bytesInMemory);  // only what is used is taken
-  recent_.insert(recent_.end(), data.begin(), data.end());
   samples_.push_back({.time = time,
+                      .offset = fileBytes_ + static_cast<int64_t>(recent_.size()),
                       .bytes = static_cast<uint32_t>(data.size()),
                       .duration = static_cast<uint32_t>(duration) & INT32_MAX,
                       .isKey = isKey});
+  recent_.insert(recent_.end(), data.begin(), data.end());
+}
+
+void SampleSpool::sortByTime() {
+  std::sort(samples_.begin(), samples_.end(),
+            [](const Sample& a, const Sample& b) { return a.time < b.time; });
 }
 
 void SampleSpool::spill() {
@@ -40,10 +46,9 @@ void SampleSpool::spill() {
   recent_.clear();
 }
 
-std::span<const uint8_t> SampleSpool::next() {
-  const size_t bytes = samples_.at(nextSample_++).bytes;
-  const int64_t begin = readPosition_;
-  readPosition_ += static_cast<int64_t>(bytes);
+std::span<const uint8_t> SampleSpool::bytesOf(const Sample& sample) {
+  const size_t bytes = sample.bytes;
+  const int64_t begin = sample.offset;
   // A sample is whole on one side: `append` spills before it, never within it.
   if (begin >= fileBytes_) return std::span(recent_).subspan(static_cast<size_t>(begin - fileBytes_), bytes);
 

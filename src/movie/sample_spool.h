@@ -14,13 +14,14 @@ namespace brisklet {
 
 /// One encoded picture or one block of encoded sound. Kept small: a movie has thousands a minute.
 struct Sample {
-  int64_t time = 0;  // presentation, in ticks of its track
+  int64_t time = 0;    // presentation, in ticks of its track
+  int64_t offset = 0;  // in the spool
   uint32_t bytes = 0;
   uint32_t duration : 31 = 0;  // in the same ticks
   uint32_t isKey : 1 = 0;
 };
 
-/// Keeps the encoded samples of a track until the movie file is written, in order. The first megabytes stay
+/// Keeps the encoded samples of a track until the movie file is written. The first megabytes stay
 /// in memory; what goes beyond moves to a file without a name in the given folder, so that nothing is left
 /// behind however the program ends. Only the table of samples grows with the length of the track.
 ///
@@ -33,9 +34,10 @@ class SampleSpool {
 
   [[nodiscard]] const std::deque<Sample>& samples() const { return samples_; }
 
-  /// The bytes of the next sample, from the first one on; to be called once for each sample, after the last
-  /// `append`. They stay valid until the next call.
-  [[nodiscard]] std::span<const uint8_t> next();
+  void sortByTime();
+
+  /// The bytes of a sample; to be called after the last `append`. They stay valid until the next call.
+  [[nodiscard]] std::span<const uint8_t> bytesOf(const Sample& sample);
 
  private:
   void spill();
@@ -45,8 +47,6 @@ class SampleSpool {
   std::vector<uint8_t> recent_;  // what has not gone to the file
   UniqueFd file_;
   int64_t fileBytes_ = 0;
-  size_t nextSample_ = 0;
-  int64_t readPosition_ = 0;
   std::vector<uint8_t> current_;
 };
 

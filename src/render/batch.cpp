@@ -1,5 +1,6 @@
 #include "render/batch.h"
 
+#include "base/cores.h"
 #include "base/system_cause.h"
 #include "base/unique_fd.h"
 #include "render/interruption.h"
@@ -136,6 +137,7 @@ class Batch {
       // The other workers' pipes must not stay open in here: their ends are how they know that it is over.
       workers_.clear();
       signals_ = {};
+      hasOneCore = options_.jobs.size() > 1;
       ::prctl(PR_SET_PDEATHSIG, SIGTERM);
       sigprocmask(SIG_SETMASK, &unheard_, nullptr);
       const std::shared_ptr<void> setting = setUpWorker_();

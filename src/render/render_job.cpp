@@ -164,8 +164,7 @@ QCoro::Task<JobOutcome> run(RenderJob job, const Photos& photos, RenderProgress 
   if (!job.still.isEmpty()) co_await saveStill(document, job, turn);
   if (!job.soundtrack.isEmpty()) co_await saveSoundtrack(document, job.soundtrack, turn);
   if (!job.movie.isEmpty())
-    co_await VideoExporter::exportMovie(document, job.style, job.movie, progress, stop, makeMovieWriter,
-                                        &cache);
+    co_await VideoExporter::exportMovie(document, job.style, job.movie, progress, stop, &cache);
   co_return JobOutcome::Made;
 }
 

@@ -29,7 +29,7 @@ struct HeldPictureEncoderTest : testing::Test {
   std::vector<AccessUnit> units;
 
   HeldPictureEncoder encoder(int averageBitRate = 8000000) {
-    return {settings, averageBitRate, RepeatCoding::Reuse, [this](std::span<const uint8_t> unit, bool isIdr) {
+    return {settings, averageBitRate, [this](std::span<const uint8_t> unit, bool isIdr) {
               units.push_back({{unit.begin(), unit.end()}, isIdr});
             }};
   }
@@ -43,9 +43,9 @@ struct HeldPictureEncoderTest : testing::Test {
 
 TEST_F(HeldPictureEncoderTest, aHeldPictureIsEncodedOnceAndItsKeyFrameOnce) {
   HeldPictureEncoder held = encoder();
-  held.show(noise(1), {}, Stay::Long);
+  held.show(noise(1), PictureCoding::Idr, {}, Stay::Long);
   held.hold();
-  held.show(noise(2), {}, Stay::Long);
+  held.show(noise(2), PictureCoding::Predicted, {}, Stay::Long);
   for (int i = 0; i < 1000; ++i) held.hold();
 
   ASSERT_EQ(units.size(), 1003u);
@@ -63,7 +63,8 @@ TEST_F(HeldPictureEncoderTest, aStormOfPicturesKeepsToTheRateAndThePictureThatSt
   constexpr int rate = 1000000;
   HeldPictureEncoder held = encoder(rate);
   constexpr int storm = 5 * framesPerSecond, still = 54;  // 1.8 s
-  for (unsigned i = 0; i < storm; ++i) held.show(noise(i), {}, Stay::Long);
+  PictureGroups groups(framesPerSecond);
+  for (unsigned i = 0; i < storm; ++i) held.show(noise(i), groups.append(true, 1), {}, Stay::Long);
   for (int i = 0; i < still; ++i) held.hold();
   EXPECT_LE(static_cast<double>(bytesFrom(0) * 8), rate * (storm + still) / 30.0 * 1.05);
   for (int i = 0; i < 150; ++i) held.hold();
@@ -74,9 +75,9 @@ TEST_F(HeldPictureEncoderTest, aStormOfPicturesKeepsToTheRateAndThePictureThatSt
 
 TEST_F(HeldPictureEncoderTest, aBriefPictureIsCoarserAndMadeGoodWithoutAKeyFrameIfItStays) {
   HeldPictureEncoder held = encoder();
-  held.show(noise(0), {}, Stay::Long);
-  held.show(noise(1), {}, Stay::Long);
-  held.show(noise(2), {}, Stay::Brief);
+  held.show(noise(0), PictureCoding::Idr, {}, Stay::Long);
+  held.show(noise(1), PictureCoding::Predicted, {}, Stay::Long);
+  held.show(noise(2), PictureCoding::Predicted, {}, Stay::Brief);
   for (int i = 0; i < 4; ++i) held.hold();
   EXPECT_LT(units[2].bytes.size(), units[1].bytes.size() * 9 / 10);
   EXPECT_GT(units[3].bytes.size(), 500U);
